@@ -1,0 +1,99 @@
+#!/usr/bin/env bash
+# Runs every check of the project, the same by hand and in CI; ends at the first stage that fails.
+#
+#   ./test.sh            everything
+#   ./test.sh --quick    the Release build and its tests only
+#
+# The corpus of real files is looked for in $TESSEL_CORPUS, else in ../shared/corpus.
+set -uo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+quick=false
+case "${1:-}" in
+  "") ;;
+  --quick) quick=true ;;
+  *)
+    echo "usage: ./test.sh [--quick]" >&2
+    exit 2
+    ;;
+esac
+
+jobs=$(nproc)
+readonly jobs
+readonly corpus_dir=${TESSEL_CORPUS:-../shared/corpus}
+
+# Runs one stage in a shell of its own, where the first failing command ends it.
+stage() {
+  local name=$1 start=$SECONDS status
+  shift
+  printf '\n==== %s\n' "$name"
+  (
+    set -e
+    "$@"
+  )
+  status=$?
+  if ((status != 0)); then
+    printf '==== %s: FAILED after %d s\n\ntest.sh: failed in stage "%s"\n' "$name" $((SECONDS - start)) "$name"
+    exit 1
+  fi
+  printf '==== %s: ok, %d s\n' "$name" $((SECONDS - start))
+}
+
+packages() { Scripts/install-packages.sh build test; }
+
+format() {
+  git ls-files -z '*.cpp' '*.h' | xargs -0 -r clang-format --dry-run -Werror
+  echo "$(git ls-files '*.cpp' '*.h' | wc -l) files are formatted"
+}
+
+rules() { Scripts/check-rules.sh; }
+
+build() {
+  mkdir -p build
+  cmake --preset "$1" >"build/$1.log" 2>&1 || { cat "build/$1.log"; return 1; }
+  cmake --build --preset "$1" -- -k 0
+}
+
+# Leaves the lines of failures and ctest's closing lines; that a test passed needs no line.
+run_tests() {
+  local preset=$1
+  shift
+  ctest --test-dir "build/$preset" -j "$jobs" --output-on-failure --no-tests=error "$@" 2>&1 |
+    grep -vE '^ *Start +[0-9]+: | +Passed +[0-9.]+ sec$'
+}
+
+build_and_test() {
+  build "$1"
+  run_tests "$1" --label-exclude '^Corpus$'
+}
+
+build_sanitized_and_test() {
+  export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1 UBSAN_OPTIONS=print_stacktrace=1
+  build_and_test asan
+}
+
+lint() { Scripts/lint.sh build/debug "$jobs"; }
+
+corpus() {
+  if [[ ! -d $corpus_dir ]]; then
+    echo "skipped: no corpus at $corpus_dir"
+  elif ! compgen -G 'Tests/Corpus/*_test.cpp' >/dev/null; then
+    echo "skipped: Tests/Corpus holds no test"
+  else
+    TESSEL_CORPUS=$(realpath "$corpus_dir") run_tests release --label-regex '^Corpus$'
+  fi
+}
+
+stage "packages" packages
+if ! $quick; then
+  stage "format" format
+  stage "project rules" rules
+fi
+stage "Release build (gcc) and tests" build_and_test release
+if ! $quick; then
+  stage "Debug build (clang)" build debug
+  stage "ASan and UBSan build (gcc) and tests" build_sanitized_and_test
+  stage "lint (clang-tidy)" lint
+  stage "corpus" corpus
+fi
+printf '\ntest.sh: all stages passed in %d min %d s\n' $((SECONDS / 60)) $((SECONDS % 60))
