@@ -1,0 +1,55 @@
+#pragma once
+
+#include <istream>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "TesselPage/Interface/tessel_numbering.h"
+#include "TesselPage/Structure/tessel_sourfile.h"
+#include "TesselPage/tessel_page.h"
+
+namespace TESSEL {
+
+/// Text of an empty form object: stands in for an object that the piece information selector took out.
+extern const char EMPTY_FORM_TEXT[];
+
+/// The members of a CTesselPage.
+struct PageState {
+  using Identity = CTesselPage::Identity;
+
+  std::string sourcePath;
+  std::unique_ptr<std::istream> ownStream;  ///< of a source given by path
+  std::istream* sourceStream = nullptr;
+  std::string password;
+  std::unique_ptr<CSourFile> sourFile;
+
+  int curPageNo = 0;  ///< selected page, from 1; 0: none yet
+  int startObjNo = 0;
+  CTesselPage::EBox boxOption = CTesselPage::visibleBox;
+  Identity curPageObj{0, 0};
+
+  std::string pageString;
+  std::string pageStringA, pageStringB, pageStringC;  ///< selectors by piece information; nothing gives them a value
+  std::string contentsString, resString, annotsString, acroFormString, namesString;
+  std::string rootString;
+  std::string versionString;
+  std::string idString;
+  std::string pageGroup;
+
+  std::vector<CTesselPage::IdentityPair> old2NewVector;
+  Numbering numbering;
+  CTesselPage::StreamObjMap* streamObjMap = nullptr;
+  std::vector<CTesselPage::IdentityPair> newPairs;  ///< of the last harvest
+  std::map<Identity, std::string> newDigests;       ///< of the last harvest, by new identity
+  bool catalogRead = false;
+
+  std::set<Identity> lengthObjects;
+  bool lengthFiltered = false;
+  bool stringsRestorable = false;  ///< nothing sets it
+};
+
+}  // namespace TESSEL

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "TesselPage/Structure/tessel_sobj.h"
+
+namespace TESSEL {
+
+/// State of the security handler of one file. No handler is built yet: a record is never active.
+class CEncrypt {
+ public:
+  SObj id;              ///< the /Encrypt reference; number 0 in a file without one
+  int accessState = 0;  ///< 0 no key in use
+  int keyBits = 0;      ///< Length
+  int revision = 0;     ///< R
+  std::string password;
+
+  bool activeForReading() const { return false; }
+  bool activeForWriting() const { return false; }
+};
+
+}  // namespace TESSEL

@@ -1,0 +1,156 @@
+#pragma once
+
+#include <iosfwd>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "TesselPage/tessel_desttd.h"
+#include "TesselPage/tessel_types.h"
+
+namespace TESSEL {
+
+struct PageState;
+
+/// What the integer results of the interface mean.
+namespace Result {
+inline constexpr int success = 0;
+inline constexpr int passwordNotTried = 1;    ///< longer than 32 bytes, or the encryption uses no password
+inline constexpr int notProtected = 8;        ///< the source needs no password, so nothing was done
+inline constexpr int notReadable = 1000;      ///< not a readable PDF
+inline constexpr int xrefNotReadable = 1001;  ///< the cross-reference data could not be read
+inline constexpr int badRange = 1006;         ///< a range text or a box is not valid
+inline constexpr int wrongPassword = 3001;    ///< no password or key opens the file
+inline constexpr int damagedData = 5000;      ///< a stream's data is damaged
+inline constexpr int exceptionCaught = 6000;  ///< a std::exception reached the interface
+inline constexpr int pageOutOfRange = 8000;   ///< page number out of range, or a page without a usable size
+inline constexpr int objectNotWritten = 8001; ///< a needed object of the document could not be written out
+inline constexpr int badKeyLength = 8003;     ///< key length not from 5 to 32 bytes
+}  // namespace Result
+
+/// Pages of one source PDF, for a host that places them into the PDF that it is writing.
+///
+/// The class is a map from object identity, in the host's numbering, to object text: after a page has been selected and
+/// setStartObjNo has run, it holds every object that the page needs and that an earlier page hasn't brought. A text is what
+/// stands between "obj" and "endobj"; the host writes both words around it. An empty text stands for an object that
+/// could not be written: its number stays used.
+///
+/// Order of calls: construct; init; then for each page setPageNo, setOld2NewObjectVector and setStreamObjMap,
+/// setStartObjNo, the getters, the walk over the map.
+///
+/// Threads: one object is used by one thread at a time; distinct objects on distinct streams share nothing.
+class CTesselPage : public std::map<std::pair<int, int>, std::string> {
+ public:
+  using Identity = std::pair<int, int>;                      ///< object number and generation
+  using IdentityPair = std::pair<Identity, Identity>;        ///< old identity, new identity
+  using StreamObjMap = std::map<std::string, Identity>;      ///< digest of a stream object to its identity in the output
+
+  /// Page boxes (ISO 32000-2, 14.11.2); `visible` is the crop box cut to the media box.
+  enum EBox { mediaBox = 0, cropBox = 1, bleedBox = 2, trimBox = 3, artBox = 4, visibleBox = 5 };
+
+  /// Opens the file; nothing is read. A file that can't be opened shows in init. The path is copied.
+  CTesselPage(const char* path, const std::string& password);
+  /// Reads from `in`, which stays the caller's and must outlive this object. It must be seekable.
+  CTesselPage(std::istream& in, const std::string& password);
+  virtual ~CTesselPage();
+  CTesselPage(const CTesselPage&) = delete;
+  CTesselPage& operator=(const CTesselPage&) = delete;
+
+  /// Opens the source: header, cross-reference data, catalog, page tree. Must be the first call.
+  /// @return 0, 1000, 1001, 6000 or 8001; anything but 0 ends the use of the object
+  int init();
+  /// Selects a page, counted from 1, and reads what it needs; the map is emptied. The page that is selected already stays
+  /// as it is, with its map.
+  /// @return 0; 8000 out of range (the number counts as selected); 1000 a damaged page; 6000
+  int setPageNo(int pageNo);
+
+  /// The harvest: numbers the page's objects from `startNo` on and fills the map. Always 0.
+  virtual int setStartObjNo(int startNo);
+  /// All pairs of the old-to-new table in key order, then all pairs harvested so far in key order.
+  std::vector<IdentityPair> getOld2NewObjectVector() const;
+  /// Objects that the output has already; merged by the next setStartObjNo, where a pair known earlier stays.
+  void setOld2NewObjectVector(const std::vector<IdentityPair>& pairs);
+  /// The host's table of stream digests, which the library only looks up; not owned. Null turns the sharing off.
+  void setStreamObjMap(StreamObjMap* map);
+  /// The host's page object, for the annotations.
+  void setCurPageObj(int num, int gen);
+  /// Moves the iterator on, without a test of the end. Always 0.
+  static int next(iterator& it);
+  static int next(const_iterator& it);
+
+  /// Beyond the interface as it stands, read only: the pairs that the last setStartObjNo added to the harvest. A host that
+  /// hands these to setOld2NewObjectVector before the next page, in place of the growing whole, pays only for what is new.
+  const std::vector<IdentityPair>& getNewObjectPairs() const;
+  /// Beyond the interface as it stands, read only: the digest of the plain text of the shareable stream that the last
+  /// setStartObjNo put into the map under `object`, as isStreamObj would give it; empty when it isn't one.
+  std::string getStreamDigest(const Identity& object) const;
+
+  /// Whether `text`, an object's body, is a stream that may be shared, and then its digest of 16 bytes (MD5).
+  static bool isStreamObj(const std::string& text, std::string& digest);
+  /// Fills the set of objects that serve as a stream's /Length; once in the life of this object.
+  void lengthObjectFilt();
+  void lengthObjectFilt_1(iterator it);
+  void refObjFilt(iterator it);
+  /// Whether the entry's strings are to be left as they are.
+  bool check(iterator it);
+  /// The text with its strings in the clear; unchanged as long as strings aren't restorable, which nothing switches on.
+  std::string decryptObject(const std::string& text, int num, int gen) const;
+  /// Bytes of the entry's stream data, line ends behind it not counted; 0 when it has none.
+  int calcStreamLength(const iterator& it) const;
+  /// The place of the entry's /Length value, through references: the text that holds it, the value's bounds, the entry.
+  /// The outputs stay as they are when there is none. Always 0.
+  int findLengthPos(const iterator& it, std::string** holder, char** valueBegin, char** valueEnd, iterator* holderIt);
+  /// Undoes the escapes of a literal string; appended to `out`. False when parentheses don't balance.
+  static bool unescapeStringObj(const std::string& in, std::string& out);
+  /// Undoes "#xx" in a name; appended to `out`. Always true.
+  static bool unescapeNameObj(const std::string& in, std::string& out);
+  /// Turns each "\/" into "/"; appended to `out`. Always true.
+  static bool unescapeFilseSpecification(const std::string& in, std::string& out);
+
+  /// The page's content, decoded, each stream with one 0x0D behind it. The text stays valid until the next call.
+  /// @return 0, or the filter service's code, and `*out` is then left alone
+  int getPageContents(const std::string** out);
+  /// The page's resource dictionary in the harvest's numbering; "<< >>" when there is none.
+  /// @param pageObjNo  number of the page's own object in the output, 0 when it has none: then nothing is inherited
+  /// @return 0; 8001 when an indirect dictionary can't be written, and `*out` is then left alone
+  int getPageRes(const std::string** out, int pageObjNo);
+  /// Text of the page's dictionary, followed by those of its ancestors up to one with /Resources when `pageObjNo` isn't 0.
+  std::string getPageRootString(int pageObjNo) const;
+  /// Value of the page's /Group, as getPageRes last found it.
+  const std::string& getPageGroup() const;
+  /// Beyond the interface as it stands, read only: the page's only content stream as it is stored (decrypted), with its filter
+  /// entries as text such as "/Filter /FlateDecode"; for a host that would only pack the decoded content again.
+  /// @return false when there isn't exactly one content stream, it can't be read, or a filter entry is a reference
+  bool getStoredContents(std::string& data, std::string& filterEntries) const;
+
+  /// Text of the catalog in the harvest's numbering; `objNo` is its number in the output, 0 when it has none.
+  std::string getRootString(int objNo) const;
+  /// The header literal, such as "%PDF-1.7".
+  const std::string& getHeaderVersion() const;
+
+  int getPageCount() const;
+  /// The box that getPageSize and getPageSizeEx without a box argument take. Always 0.
+  int setBoxOption(EBox box);
+  /// Size of the selected page in points, by the box option, rotation applied.
+  /// @return 0, or 8000 when both values are below 1e-5 (they are stored all the same)
+  int getPageSize(float& w, float& h) const;
+  /// Size of any page, counted from 1. Option 5 cuts the crop box to the media box, any other takes it as it is.
+  int getPageSize(int page, float& w, float& h, EBox box) const;
+  /// Origin and size of the selected page in points, by the box option, rotation not applied.
+  int getPageSizeEx(float& x, float& y, float& w, float& h) const;
+  /// Rotation of the selected page in degrees, clockwise, a multiple of 90.
+  int getPageRotate(int& rotate) const;
+  /// @return 0, or 8000 when the page has no record
+  int getPageRotate(int page, int& rotate) const;
+  /// A box of the selected page as its own dictionary has it, else its media box.
+  int getPageBox(EBox box, float& l, float& b, float& r, float& t) const;
+  /// A box of any page, inheritance and defaults applied. @return 0, 8000 no such page, 1006 no such box
+  int getPageBox(int page, EBox box, float& l, float& b, float& r, float& t) const;
+
+ protected:
+  std::unique_ptr<PageState> state;
+};
+
+}  // namespace TESSEL
