@@ -1,0 +1,39 @@
+#include "TesselPage/Model/tessel_harvest.h"
+
+#include "TesselPage/Syntax/tessel_keywords.h"
+
+namespace TESSEL {
+
+bool endsObject(const std::string& token) { return token == kwendobj || token == kwstream; }
+
+bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token, StringsSkipped which) {
+  const bool literal = token == "(";
+  const bool hexadecimal = token == "<" && which == StringsSkipped::both;
+  if (literal || hexadecimal) skipString(source, owner, token.front());
+  return literal || hexadecimal;
+}
+
+bool DictDepth::closes(const std::string& token) {
+  if (token == "<<") ++level;
+  return token == ">>" && --level <= 0;
+}
+
+bool isMissing(CSourFile& main, const SObj& object) {
+  return CFileBlock::GetObjState(main, object).entryOffset < 1;
+}
+
+bool harvestObject(CSourFile& main, CSourFile& source, const SObj& owner, std::list<SObj>& work) {
+  forEachReference(source, owner, StringsSkipped::both, [&](const SObj& ref) {
+    if (main.isPageObject(ref)) return;
+    main.insertFileObject(ref);
+    work.push_back(ref);
+  });
+  return true;
+}
+
+bool harvestAll(CObj& reader, CSourFile& main, std::list<SObj>& work) {
+  return harvest(reader, main, work, MissingObjects::endTheLoop,
+                 [&](CSourFile& body) { return harvestObject(main, body, reader.id, work); });
+}
+
+}  // namespace TESSEL
