@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "TesselPage/Interface/tessel_digests.h"
 #include "TesselPage/Interface/tessel_numbering.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/tessel_page.h"
@@ -33,7 +34,8 @@ struct PageState {
   Identity curPageObj{0, 0};
 
   std::string pageString;
-  std::string pageStringA, pageStringB, pageStringC;  ///< selectors by piece information; nothing gives them a value
+  std::string pageStringA, pageStringB,
+      pageStringC;  ///< selectors by piece information; nothing gives them a value
   std::string contentsString, resString, annotsString, acroFormString, namesString;
   std::string rootString;
   std::string versionString;
@@ -44,7 +46,8 @@ struct PageState {
   Numbering numbering;
   CTesselPage::StreamObjMap* streamObjMap = nullptr;
   std::vector<CTesselPage::IdentityPair> newPairs;  ///< of the last harvest
-  std::map<Identity, std::string> newDigests;       ///< of the last harvest, by new identity
+  std::map<Identity, Identity> harvestedAs;         ///< new identity to old one, of the last harvest
+  StreamDigests digests;
   bool catalogRead = false;
 
   std::set<Identity> lengthObjects;

@@ -9,8 +9,8 @@ class CPageInfo {
  public:
   explicit CPageInfo(const std::string& dictionary) : text(dictionary) {}
 
-  /// The value behind the first place of `key`. Known keys: "/P", "Resources", "AcroForm", "Group", "Annots"; any other
-  /// gives an empty text.
+  /// The value behind the first place of `key`. Known keys: "/P", "Resources", "AcroForm", "Group", "Annots";
+  /// any other gives an empty text.
   std::string getValueString(const std::string& key) const;
 
  private:

@@ -13,6 +13,11 @@ class CEncrypt {
   int accessState = 0;  ///< 0 no key in use
   int keyBits = 0;      ///< Length
   int revision = 0;     ///< R
+  static constexpr std::size_t passwordBytes = 32;
+
+  /// Keeps the first 32 bytes.
+  void setPassword(const std::string& given) { password = given.substr(0, passwordBytes); }
+
   std::string password;
 
   bool activeForReading() const { return false; }

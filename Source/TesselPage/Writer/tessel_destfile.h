@@ -23,7 +23,8 @@ class Facade_stringstream : public std::string {
   Facade_stringstream& operator<<(double number);
 };
 
-/// Numbers that a CDestFile looks up behind its own table, so that a long table isn't built anew for each text.
+/// Numbers that a CDestFile looks up behind its own table, so that a long table isn't built anew for each
+/// text.
 class NumberSource {
  public:
   virtual ~NumberSource() = default;
@@ -31,8 +32,8 @@ class NumberSource {
   virtual const SObj* find(const SObj& object) const = 0;
 };
 
-/// The target of every object copy: a text buffer with a renumbering table. Made on the stack, given the wanted numbers,
-/// written to by CObj::LocalObj, and its text taken. No file is ever opened.
+/// The target of every object copy: a text buffer with a renumbering table. Made on the stack, given the
+/// wanted numbers, written to by CObj::LocalObj, and its text taken. No file is ever opened.
 class CDestFile : public Facade_stringstream {
  public:
   /// The name isn't kept.
@@ -43,8 +44,18 @@ class CDestFile : public Facade_stringstream {
 
   /// Enters a new number; the first entry of a key stays.
   void insertNewObjTab(const NewObjTable& key, const SObj& newId);
-  /// The new identity under (index, current file, object), or null: the own table first, then the number source.
+  /// The new identity under (index, current file, object), or null: the own table first, then the number
+  /// source.
   const SObj* findNewObj(const SObj& object, int index = 0) const;
+  /// Enters the number reserved for a destination met in an object; `index` is the place of a direct
+  /// annotation dictionary. A table of its own: an annotation's own number and that of its destination have
+  /// the same key.
+  void insertDestination(const NewObjTable& key, const SObj& newId) { destinations.emplace(key, newId); }
+  /// The number reserved for the destination of `object`, or null.
+  const SObj* findDestination(const SObj& object, int index = 0) const {
+    const auto found = destinations.find({index, currentFile, object});
+    return found == destinations.end() ? nullptr : &found->second;
+  }
   /// Lets look-ups with index 0 of the current file fall back on `source`, which isn't owned. Null: none.
   void setNumberSource(const NumberSource* source) { fallback = source; }
 
@@ -52,15 +63,16 @@ class CDestFile : public Facade_stringstream {
   CSourFile* GetSourFile() const { return GetSourFile(currentFile); }
   CSourFile* GetSourFile(int file) const;
 
-  bool rawFlag = false;   ///< references are copied as they stand
-  int currentFile = 0;    ///< number of the source whose objects are being written
+  bool rawFlag = false;     ///< references are copied as they stand
+  int currentFile = 0;      ///< number of the source whose objects are being written
   std::size_t endMark = 0;  ///< buffer size behind the last "endobj"
-  SObj currentObject;     ///< the object being written: the key for encryption; number 0: nothing is encrypted
-  CEncrypt encrypt;       ///< the output's settings
+  SObj currentObject;  ///< the object being written: the key for encryption; number 0: nothing is encrypted
+  CEncrypt encrypt;    ///< the output's settings
   std::map<int, CSourFile*> files;  ///< not owned
 
  private:
   std::map<NewObjTable, SObj> newNumbers;
+  std::map<NewObjTable, SObj> destinations;
   const NumberSource* fallback = nullptr;
 };
 
