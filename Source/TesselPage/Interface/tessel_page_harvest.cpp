@@ -186,7 +186,7 @@ void CTesselPage::setOld2NewObjectVector(const std::vector<IdentityPair>& pairs)
   if (&pairs != &state->old2NewVector) state->old2NewVector = pairs;
 }
 
-void CTesselPage::setStreamObjMap(StreamObjMap* map) { state->streamObjMap = map; }
+void CTesselPage::setStreamObjMap(StreamObjMap* digests) { state->streamObjMap = digests; }
 
 const std::vector<CTesselPage::IdentityPair>& CTesselPage::getNewObjectPairs() const {
   return state->newPairs;

@@ -1,0 +1,203 @@
+#!/usr/bin/env python3
+"""Runs `tessel` over a folder of real PDF files and has others judge what comes out.
+
+robust   each file through `dump` and `nup`: ends in time, exit status 0 or 1, no sanitizer report
+render   each file of the classes named, through `nup --grid 1x1 --paper auto`: the output passes `qpdf --check`, and each page
+         looks like the source's in poppler and in mupdf
+
+Prints the figures and the misses; exits with 1 when a bar isn't met.
+"""
+
+import argparse
+import collections
+import csv
+import multiprocessing
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+MEAN_LIMIT = 2.0        # of 255
+FAR_LIMIT = 0.01        # share of pixels off by more than 64
+TIME_LIMIT = 10         # seconds for one run
+RENDER_TIME_LIMIT = 120
+SOUND_OPEN_SHARE = 0.99
+SOUND_PAGE_SHARE = 0.98
+SANITIZER_MARKS = ("AddressSanitizer", "runtime error:", "LeakSanitizer", "UndefinedBehaviorSanitizer")
+
+Task = collections.namedtuple("Task", "path name kind pages password")
+
+
+def read_manifest(corpus):
+    with open(os.path.join(corpus, "MANIFEST.tsv"), newline="") as file:
+        for row in csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE):
+            password = row["user_password"] if row["user_password"] != "-" else ""
+            pages = int(row["pages"]) if row["pages"].isdigit() else None
+            yield Task(os.path.join(corpus, row["file"]), row["file"], row["file"].split("/")[0], pages, password)
+
+
+def run(command, limit, cwd=None):
+    """(exit status or None when it ran out of time, stdout, stderr, seconds)"""
+    start = time.monotonic()
+    try:
+        done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              timeout=limit, cwd=cwd)
+        return done.returncode, done.stdout, done.stderr.decode("utf-8", "replace"), time.monotonic() - start
+    except subprocess.TimeoutExpired:
+        return None, b"", "", time.monotonic() - start
+
+
+def robust_one(task):
+    """Trouble of one file, as lines."""
+    trouble = []
+    with tempfile.TemporaryDirectory() as folder:
+        out = os.path.join(folder, "out.pdf")
+        for command in (["dump", task.path, "--summary"],
+                        ["nup", task.path, "-o", out, "--grid", "2x2", "--quiet"]):
+            status, _, stderr, seconds = run([options.tool] + command, TIME_LIMIT)
+            if status is None:
+                trouble.append(f"{task.name}: {command[0]} still ran after {TIME_LIMIT} s")
+            elif status not in (0, 1) or any(mark in stderr for mark in SANITIZER_MARKS):
+                trouble.append(f"{task.name}: {command[0]} ended with {status}: {stderr.strip()[-2000:]}")
+            elif status == 1 and len(stderr.strip().splitlines()) != 1:
+                trouble.append(f"{task.name}: {command[0]} failed with {len(stderr.splitlines())} lines of explanation")
+            elif status == 1 and os.path.exists(out):
+                trouble.append(f"{task.name}: a failed nup left its output")
+        left = os.listdir(folder)
+        if len(left) > 1:
+            trouble.append(f"{task.name}: left behind {left}")
+    return trouble
+
+
+def render_with_poppler(path, folder, annotations):
+    hide = [] if annotations else ["-hide-annotations"]
+    # The crop box is what a reader shows; poppler takes the media box unless told.
+    run(["pdftoppm", "-r", "50", "-cropbox"] + hide + [path, os.path.join(folder, "p")], RENDER_TIME_LIMIT)
+
+
+def render_with_mupdf(path, folder, annotations):
+    script = os.path.join(os.path.dirname(os.path.abspath(__file__)), "render_pages.js")
+    shown = "annotations" if annotations else "page"
+    run(["mutool", "run", script, path, os.path.join(folder, "p"), "50", shown], RENDER_TIME_LIMIT)
+
+
+def page_verdict(line):
+    parts = line.split()
+    if parts[1] != "same":
+        return "size" if parts[1] == "other" else parts[1]
+    if float(parts[2]) >= MEAN_LIMIT or float(parts[3]) > FAR_LIMIT:
+        return f"mean {parts[2]} far {parts[3]}"
+    return None
+
+
+def compare_renderings(task, out, renderer, folder):
+    """(pages compared, misses)"""
+    rendered = []
+    for path, name in ((task.path, "source"), (out, "output")):
+        target = os.path.join(folder, renderer.__name__ + "-" + name)
+        os.mkdir(target)
+        renderer(path, target, options.annotations)
+        rendered.append(target)
+    status, stdout, _, _ = run([options.compare] + rendered, RENDER_TIME_LIMIT)
+    lines = stdout.decode().splitlines()
+    misses = []
+    for line in lines:
+        verdict = page_verdict(line)
+        if verdict:
+            misses.append((int(line.split()[0]), verdict))
+    for target in rendered:
+        shutil.rmtree(target)
+    return len(lines), misses
+
+
+def render_one(task):
+    """(opened, check trouble or None, {renderer: (pages, misses)}, trouble text)"""
+    with tempfile.TemporaryDirectory() as folder:
+        out = os.path.join(folder, "out.pdf")
+        command = [options.tool, "nup", task.path, "-o", out, "--grid", "1x1", "--paper", "auto", "--quiet"]
+        status, _, stderr, _ = run(command + options.extra.split(), RENDER_TIME_LIMIT)
+        if status != 0:
+            return False, None, {}, f"nup: {status} {stderr.strip()[:300]}"
+        checked, stdout, stderr, _ = run(["qpdf", "--check", out], RENDER_TIME_LIMIT)
+        check = None if checked == 0 else (stdout.decode("utf-8", "replace") + stderr).strip()[-300:]
+        results = {}
+        for renderer in (render_with_poppler, render_with_mupdf):
+            results[renderer.__name__[12:]] = compare_renderings(task, out, renderer, folder)
+        return True, check, results, None
+
+
+def in_parallel(function, tasks):
+    with multiprocessing.Pool(options.jobs) as pool:
+        for done, (task, result) in enumerate(zip(tasks, pool.imap(function, tasks, chunksize=1)), 1):
+            if done % 100 == 0:
+                print(f"  {done} of {len(tasks)}", file=sys.stderr, flush=True)
+            yield task, result
+
+
+def robust(tasks):
+    bad = [line for _, lines in in_parallel(robust_one, tasks) for line in lines]
+    print(f"robust: {len(tasks)} files through dump and nup, {len(bad)} in trouble")
+    for line in bad:
+        print("  " + line)
+    return not bad
+
+
+def render(tasks):
+    opened = checks = 0
+    pages = collections.Counter()
+    missed = collections.Counter()
+    for task, (ok, check, results, trouble) in in_parallel(render_one, tasks):
+        opened += ok
+        if trouble:
+            print(f"  {task.name}: {trouble}")
+        if check:
+            checks += 1
+            print(f"  {task.name}: qpdf --check: {check}")
+        for renderer, (count, misses) in results.items():
+            pages[renderer] += count
+            missed[renderer] += len(misses)
+            for page, verdict in misses:
+                print(f"  {task.name} page {page} {renderer}: {verdict}")
+    share = opened / max(1, len(tasks))
+    print(f"render: {opened} of {len(tasks)} files opened ({share:.2%}), {checks} outputs with remarks of qpdf")
+    good = share >= SOUND_OPEN_SHARE and checks == 0
+    for renderer in pages:
+        like = 1 - missed[renderer] / max(1, pages[renderer])
+        print(f"render: {renderer}: {pages[renderer] - missed[renderer]} of {pages[renderer]} pages alike ({like:.2%})")
+        good = good and like >= SOUND_PAGE_SHARE
+    return good
+
+
+def parse():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("job", choices=("robust", "render"))
+    parser.add_argument("--corpus", required=True, help="folder with MANIFEST.tsv")
+    parser.add_argument("--tool", required=True, help="the tessel program")
+    parser.add_argument("--compare", default="", help="the raster_compare program")
+    parser.add_argument("--classes", default="", help="comma-separated; default: sound for render, all for robust")
+    parser.add_argument("--every", type=int, default=1, help="take each n-th file only")
+    parser.add_argument("--match", default="", help="take files whose name holds this text only")
+    parser.add_argument("--annotations", action="store_true", help="render with annotations shown")
+    parser.add_argument("--extra", default="", help="further options of nup")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    return parser.parse_args()
+
+
+def main():
+    if not os.path.isdir(options.corpus):
+        print(f"corpus: skipped, {options.corpus} isn't there")
+        return 0
+    classes = options.classes or ("sound" if options.job == "render" else "")
+    tasks = [task for task in read_manifest(options.corpus)
+             if (not classes or task.kind in classes.split(",")) and options.match in task.name]
+    tasks = tasks[:: options.every]
+    good = robust(tasks) if options.job == "robust" else render(tasks)
+    print(f"{options.job}: {'passed' if good else 'FAILED'}")
+    return 0 if good else 1
+
+
+options = parse()
+if __name__ == "__main__":
+    sys.exit(main())
