@@ -1,5 +1,8 @@
 #include "TesselPage/Model/tessel_harvest.h"
 
+#include <set>
+#include <utility>
+
 #include "TesselPage/Syntax/tessel_keywords.h"
 
 namespace TESSEL {
@@ -15,7 +18,19 @@ bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token
 
 bool DictDepth::closes(const std::string& token) {
   if (token == "<<") ++level;
-  return token == ">>" && --level <= 0;
+  return token == ">>" && --level == 0;
+}
+
+CSourFile* openValue(CSourFile& source, std::unique_ptr<CSourFile>& memory, SObj ref) {
+  std::set<SObj> seen;
+  CSourFile* at = &source;
+  do {
+    if (!seen.insert(ref).second) return nullptr;
+    std::unique_ptr<CSourFile> next;
+    at = CObj::ParseObj(*at, next, ref);
+    if (next) memory = std::move(next);
+  } while (at && tryReference(*at, ref));
+  return at;
 }
 
 bool isMissing(CSourFile& main, const SObj& object) {

@@ -39,7 +39,7 @@ bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token
 class DictDepth {
  public:
   explicit DictDepth(int start = 0) : level(start) {}
-  /// Takes a token; true when it closed the dictionary that brings the depth to 0 or below.
+  /// Takes a token; true when it is the ">>" that brings the depth back to 0. One that closes nothing isn't.
   bool closes(const std::string& token);
   int depth() const { return level; }
 
@@ -62,6 +62,11 @@ bool scanDictionary(CSourFile& source, int depth, Each each) {
   }
   return false;
 }
+
+/// Opens the object behind `ref` to read a value, through a chain of references.
+/// @param[out] memory  holds the memory source that the result may be
+/// @return the source that stands at the value, or null when a link leads nowhere or the chain closes
+CSourFile* openValue(CSourFile& source, std::unique_ptr<CSourFile>& memory, SObj ref);
 
 /// What the harvest loop does with an entry of the work list that is free or missing: those with one of these
 /// flags are dropped, any other ends the loop.
