@@ -1,0 +1,83 @@
+// The same jobs against libqpdf: open FILE | boxes FILE | middle FILE OUT | nup FILE OUT
+
+#include <cstdio>
+#include <qpdf/QPDF.hh>
+#include <qpdf/QPDFObjectHandle.hh>
+#include <qpdf/QPDFPageDocumentHelper.hh>
+#include <qpdf/QPDFPageObjectHelper.hh>
+#include <qpdf/QPDFWriter.hh>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr double sheetWidth = 841.89;  // A4, landscape
+constexpr double sheetHeight = 595.276;
+
+double sum(QPDFObjectHandle box) {
+  if (!box.isRectangle()) return 0;
+  const QPDFObjectHandle::Rectangle rect = box.getArrayAsRectangle();
+  return rect.llx + rect.lly + rect.urx + rect.ury;
+}
+
+double sumOfBoxes(std::vector<QPDFPageObjectHelper>& pages) {
+  double total = 0;
+  for (QPDFPageObjectHelper& page : pages)
+    total += sum(page.getMediaBox()) + sum(page.getCropBox()) + sum(page.getBleedBox()) +
+             sum(page.getTrimBox()) + sum(page.getArtBox());
+  return total;
+}
+
+void write(QPDF& out, const char* path) {
+  QPDFWriter writer(out, path);
+  writer.setDeterministicID(true);
+  writer.write();
+}
+
+/// One sheet with up to two pages beside each other.
+QPDFObjectHandle sheet(QPDF& out, std::vector<QPDFPageObjectHelper>& pages, std::size_t first) {
+  QPDFObjectHandle xobjects = QPDFObjectHandle::newDictionary();
+  std::string content;
+  for (std::size_t i = first; i < first + 2 && i < pages.size(); ++i) {
+    const std::string name = "/P" + std::to_string(i - first);
+    QPDFObjectHandle form = out.copyForeignObject(pages[i].getFormXObjectForPage());
+    xobjects.replaceKey(name, form);
+    const double left = static_cast<double>(i - first) * sheetWidth / 2;
+    content += pages[i].placeFormXObject(
+        form, name, QPDFObjectHandle::Rectangle(left, 0, left + sheetWidth / 2, sheetHeight), false, true,
+        true);
+  }
+  QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
+  resources.replaceKey("/XObject", xobjects);
+  QPDFObjectHandle page = out.makeIndirectObject(QPDFObjectHandle::newDictionary());
+  page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
+  page.replaceKey("/MediaBox", QPDFObjectHandle::newFromRectangle({0, 0, sheetWidth, sheetHeight}));
+  page.replaceKey("/Resources", resources);
+  page.replaceKey("/Contents", QPDFObjectHandle::newStream(&out, content));
+  return page;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  if (count < 3) return 2;
+  const std::string job = arguments[1];
+  QPDF source;
+  source.processFile(arguments[2]);
+  std::vector<QPDFPageObjectHelper> pages = QPDFPageDocumentHelper(source).getAllPages();
+  if (job == "open") {
+    std::printf("%zu\n", pages.size());
+  } else if (job == "boxes") {
+    std::printf("%.6g\n", sumOfBoxes(pages));
+  } else {
+    QPDF out;
+    out.emptyPDF();
+    QPDFPageDocumentHelper target(out);
+    if (job == "middle")
+      target.addPage(pages[pages.size() / 2], false);
+    else
+      for (std::size_t i = 0; i < pages.size(); i += 2) target.addPage(sheet(out, pages, i), false);
+    write(out, arguments[3]);
+  }
+  return 0;
+}
