@@ -56,7 +56,7 @@ struct _Sha256Calc {
   signed char digest[32];   ///< digest of all that was given so far
   long hash[8];             ///< running state
   long block[16];           ///< words of the block that is not full yet; bytes not given yet are 0
-  long schedule[64];        ///< message schedule of the block at work
+  long schedule[64];        ///< room of the message schedule; kept for the layout
   std::uint32_t countLow;   ///< bytes so far, low 32 bits
   std::uint32_t countHigh;  ///< bytes so far, the 29 bits above
   int position;             ///< bytes in `block`
