@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <vector>
 
 #include "TesselPage/Structure/tessel_sobj.h"
 #include "TesselPage/tessel_types.h"
@@ -34,6 +35,13 @@ struct InheritedAttrs {
   SObj font;
   SObj xobject;
   SObj resources;
+};
+
+/// What a climb for resources has learnt of a /Pages node; kept, so that a wide tree isn't read again for every page.
+struct ResourceNode {
+  SObj own;                      ///< /Resources, when it is a reference
+  std::vector<SObj> references;  ///< every reference inside a direct /Resources
+  SObj parent;
 };
 
 }  // namespace TESSEL

@@ -94,6 +94,7 @@ class CSourFile : public std::istream {
   std::map<SObj, CPaperInfo> paperInfoMap;
   std::map<SObj, SObj> parentMap;              ///< a node to its /Parent
   InheritedAttrs inheritedAttrs;               ///< last published by a /Pages node
+  std::map<SObj, ResourceNode> resourceNodes;  ///< /Pages nodes that pages climbed to for their resources
 
   // Filled for the selected page.
   std::vector<SObj> pageContentObjs;
