@@ -1,8 +1,8 @@
 #pragma once
 
 #include <map>
-#include <set>
 #include <string>
+#include <vector>
 
 #include "TesselPage/Security/tessel_encrypt.h"
 #include "TesselPage/Structure/tessel_info.h"
@@ -11,10 +11,25 @@
 
 namespace TESSEL {
 
-/// What a file says about itself at its end: where each object lies, and the trailer's entries (ISO 32000-2, 7.5.4 to
-/// 7.5.8). Walks from the last "startxref" back through the /Prev chain, over classic tables, cross-reference streams and
-/// hybrid files. There is no repair: what could be read counts. The newest entry of an identity wins.
-/// Its own identity is that of the cross-reference stream read last; number 0 in a file without one.
+/// What one walk may take out of cross-reference streams. Their entries can be had for a bit or less, so a
+/// small file could fill the memory; a table in proportion to its file is never cut.
+struct XRefBudget {
+  static constexpr long long leastEntries = 1LL << 20;
+  static constexpr long long leastBytes = 64LL << 20;
+  static constexpr long long decodedPerFileByte = 16;
+
+  XRefBudget() = default;
+  explicit XRefBudget(long long fileBytes);
+
+  long long entries = leastEntries;
+  long long bytes = leastBytes;  ///< decoded
+};
+
+/// What a file says about itself at its end: where each object lies, and the trailer's entries (ISO
+/// 32000-2, 7.5.4 to 7.5.8). Walks from the last "startxref" back through the /Prev chain, over classic
+/// tables, cross-reference streams and hybrid files. There is no repair: what could be read counts. The
+/// newest entry of an identity wins. Its own identity is that of the cross-reference stream read last; number
+/// 0 in a file without one.
 class CFileInfo : public CObj {
  public:
   using Entries = std::map<SObj, SObjState>;
@@ -24,7 +39,7 @@ class CFileInfo : public CObj {
   CFileInfo& operator=(const CFileInfo&) = delete;
 
   /// The whole walk. The caller looks at the stream's state, not at the result.
-  /// @throws CFileError when the search for "startxref" runs into the end
+  /// @throws CFileError when the last search for "startxref", or a direct /Info, runs into the end
   bool Read(CSourFile& source) override;
 
   /// Exact look-up in the main table, then in that of the hybrid streams. All zeros: no such entry.
@@ -38,24 +53,37 @@ class CFileInfo : public CObj {
   bool ReadCrt(CSourFile& source);
   /// The trailer's /XRefStm; position restored.
   bool ReadTrailerXRefStm(CSourFile& source);
+  /// What GetPrev and ReadXRefObj give when a revision has no /Prev.
+  static constexpr long long endOfChain = -1;
   /// A trailer dictionary: its /Prev, or -1.
+  /// @throws CFileError when a direct /Info runs into the end
   long long GetPrev(CSourFile& source, bool expectTrailerWord);
   /// One cross-reference stream, from behind its object number. On success `number` holds /Prev or -1.
   bool ReadXRefObj(CSourFile& source, long long& number, bool hybrid);
 
-  Entries* entries = &objEntries;         ///< all users reach the main table here; a memory source shares the real one's
+  /// All users reach the main table here; a memory source shares the real one's.
+  Entries* entries = &objEntries;
   Entries objEntries;
-  Entries hybridEntries;                  ///< of /XRefStm streams
-  std::set<long long> filePositions;      ///< offsets of classic in-use objects, and the place behind "startxref"
-  std::set<long long> objectBoundaries;   ///< built on first use by CObjectPosition
-  CEncrypt encrypt;                       ///< its identity is the /Encrypt reference
-  int size = 0;                           ///< /Size
-  SObj root;                              ///< /Root
+  Entries hybridEntries;  ///< of /XRefStm streams
+  /// Offsets of classic in-use objects, and the place behind "startxref", as they were met.
+  std::vector<long long> filePositions;
+  std::vector<long long> objectBoundaries;  ///< ascending; built on first use by CObjectPosition
+  CEncrypt encrypt;                         ///< its identity is the /Encrypt reference
+  int size = 0;                             ///< /Size
+  SObj root;                                ///< /Root
   CFileID fileId;
-  CInfo info;                             ///< its identity is the /Info reference
+  CInfo info;  ///< its identity is the /Info reference
 
  private:
-  friend class XRefWalk;
+  friend class XRefStreamScan;
+
+  void walkChain(CSourFile& source, long long start);
+  bool readRevision(CSourFile& source, long long& next);
+  bool readSubsection(CSourFile& source, int first, int count);
+  void readInfo(CSourFile& source);
+  const SObjState* find(const SObj& object) const;
+
+  XRefBudget budget;
 };
 
 }  // namespace TESSEL

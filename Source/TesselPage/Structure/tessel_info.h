@@ -28,14 +28,16 @@ struct InfoDic {
 /// "D:YYYYMMDDHHmmSS+HH'mm'" (ISO 32000-2, 7.9.4).
 extern const char* const FORMATDATE;
 
-/// The document information dictionary (ISO 32000-2, 14.3.3), read from a source and written to a destination.
-/// The defaults are what a new document says about itself.
+/// The document information dictionary (ISO 32000-2, 14.3.3), read from a source and written to a
+/// destination. The defaults are what a new document says about itself.
 class CInfo : public CObj {
  public:
   bool Read(CSourFile& source) override;
-  /// Writes the dictionary without its ">>": it stays unclosed, and no library code reaches this in the host's use.
+  /// Writes the dictionary without its ">>": it stays unclosed, and no library code reaches this in the
+  /// host's use.
   bool Write(CDestFile& dest, CSourFile& source) override;
-  /// The value of `key`, one of the nine, direct or behind a reference.
+  /// The value of `key`, one of the nine, direct or behind a reference; false for another key, and for a
+  /// chain of references that closes. Behind a reference the position is put back.
   bool ReadInfo(CSourFile& source, const std::string& key);
   /// The present time as a PDF date; the sign of the zone is always "+".
   static void createdate(std::string& out);
@@ -51,6 +53,9 @@ class CInfo : public CObj {
   std::string trapped = "Unknown";
   std::string creationDate;
   std::string modDate;
+
+ private:
+  bool readDirect(CSourFile& source, const std::string& key);
 };
 
 /// The trailer's /ID pair (ISO 32000-2, 14.4); filled by the cross-reference reader.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <list>
 #include <map>
 #include <memory>
@@ -7,38 +8,51 @@
 #include <utility>
 #include <vector>
 
+#include "TesselPage/Structure/tessel_sobj.h"
+
 namespace TESSEL {
 
 class CSourFile;
 
 /// One decoded object stream (ISO 32000-2, 7.5.7).
 struct ObjectStream {
-  int first = 0;                               ///< /First
-  int count = 0;                               ///< /N
-  int length = 0;                              ///< bytes of `text`
-  std::string text;                            ///< decoded
-  std::vector<std::pair<int, int>> pairs;      ///< number and start of each object, as far as they could be read
+  int first = 0;                           ///< /First
+  int count = 0;                           ///< /N
+  int length = 0;                          ///< bytes of `text`
+  std::string text;                        ///< decoded
+  std::vector<std::pair<int, int>> pairs;  ///< number and start of each object, as far as they could be read
 };
 
-/// The object streams of a source, each decoded once and kept, with a bound on the bytes kept: what was used longest ago
-/// goes first. An object stream that can't be read is remembered as such.
+/// The object streams of a source, each decoded once and kept, with a bound on the bytes kept: what was used
+/// longest ago goes first. An object stream that can't be read is remembered as such. One whose /Length lies
+/// in itself, or at the end of a long chain of such streams, can't be read.
 class ObjectStreams {
  public:
   static constexpr std::size_t bytesKept = 64U << 20;
+  /// How many object streams may be read for each other's /Length at a time.
+  static constexpr int maxNesting = 16;
 
-  /// The object stream of that number, or null when it can't be read. The source's position is not kept.
+  /// The object stream of that number, or null when it can't be read. The position of the source with the
+  /// file behind it is not kept, and its state is that of a seek to the object stream: it fails when the
+  /// state was failed before.
   std::shared_ptr<const ObjectStream> get(CSourFile& source, int number);
+  /// Bytes of the object that `entry` names, when its object stream is kept; else 0.
+  long long lengthOf(const SObjState& entry) const;
   /// Forgets all, as when the source's key has changed.
   void clear();
 
  private:
   struct Kept {
-    std::shared_ptr<const ObjectStream> stream;
-    std::list<int>::iterator use;
+    std::shared_ptr<const ObjectStream> stream;  ///< null: can't be read, or is being read
+    std::list<int>::iterator use;                ///< valid with a stream
   };
+  void keep(int number, std::shared_ptr<const ObjectStream> stream);
+  void dropOldest();
+
   std::map<int, Kept> kept;
   std::list<int> uses;  ///< newest first
   std::size_t bytes = 0;
+  int nesting = 0;
 };
 
 }  // namespace TESSEL

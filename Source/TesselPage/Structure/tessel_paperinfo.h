@@ -27,8 +27,8 @@ struct CPaperInfo {
   bool ReadRotate(CSourFile& source);
 };
 
-/// What the /Pages node read last has published. It stays in force until another node overwrites it, also for pages that
-/// aren't its descendants.
+/// What the /Pages node read last has published. It stays in force until another node overwrites it, also for
+/// pages that aren't its descendants.
 struct InheritedAttrs {
   std::array<RectTD, pageBoxCount> boxes{};
   int rotation = 0;
@@ -37,7 +37,8 @@ struct InheritedAttrs {
   SObj resources;
 };
 
-/// What a climb for resources has learnt of a /Pages node; kept, so that a wide tree isn't read again for every page.
+/// What a climb for resources has learnt of a /Pages node; kept, so that a wide tree isn't read again for
+/// every page.
 struct ResourceNode {
   SObj own;                      ///< /Resources, when it is a reference
   std::vector<SObj> references;  ///< every reference inside a direct /Resources

@@ -3,6 +3,7 @@
 #include <istream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -21,31 +22,33 @@
 namespace TESSEL {
 
 class CCatalog;
-struct DestTD;
 
 /// Hash of an identity, for sets that are only asked.
 struct SObjHash {
   std::size_t operator()(const SObj& object) const {
-    return static_cast<std::size_t>(object.objNum) * 0x9E3779B97F4A7C15ULL ^ static_cast<std::size_t>(object.genNum);
+    return static_cast<std::size_t>(object.objNum) * 0x9E3779B97F4A7C15ULL ^
+           static_cast<std::size_t>(object.genNum);
   }
 };
 
 /// What the host asked for; a memory source takes these over from the real one.
 struct SourceSwitches {
-  PgCmTD pageMatrix;                            ///< setPageCm
-  unsigned annotsEnable = 0;                    ///< setAnnotsEnable
-  std::vector<std::string> customSubtypes;      ///< setAnnotsCustomSubtype
-  unsigned formsEnable = 0;                     ///< setAcroFormsEnable
-  int currentRotation = 0;                      ///< /Rotate of the page being read, degrees
+  PgCmTD pageMatrix;                        ///< setPageCm
+  unsigned annotsEnable = 0;                ///< setAnnotsEnable
+  std::vector<std::string> customSubtypes;  ///< setAnnotsCustomSubtype
+  unsigned formsEnable = 0;                 ///< setAcroFormsEnable
+  int currentRotation = 0;                  ///< /Rotate of the page being read, degrees
 };
 
-/// An input stream that knows the document behind it: it shares the buffer of the stream it is built on and owns the tables
-/// of one source. All readers share its one position, so a reader that looks elsewhere puts it back.
-/// A memory source (isSubSource) reads one object's text from memory and shares the real source's entry table.
+/// An input stream that knows the document behind it: it shares the buffer of the stream it is built on and
+/// owns the tables of one source. All readers share its one position, so a reader that looks elsewhere puts
+/// it back. A memory source (isSubSource) reads one object's text from memory and shares the real source's
+/// entry table.
 class CSourFile : public std::istream {
  public:
-  /// Takes the buffer; reads nothing. The stream must outlive this source.
-  explicit CSourFile(std::istream& in);
+  /// Takes the buffer; reads nothing. The stream must outlive this source. Failed from the start when the
+  /// buffer is that of a path that could not be opened.
+  explicit CSourFile(std::istream& stream);
   /// A memory source over `text`, with the entry table and the switches of `real`. The text is owned.
   CSourFile(std::string text, CSourFile& real);
   /// A source over a text that has no document behind it, as the getters scan their own results with.
@@ -62,10 +65,10 @@ class CSourFile : public std::istream {
   int InitOther();
   /// Reads tokens up to a match; false at the end of the stream. Doesn't throw.
   bool FindStr(const std::string& word);
-  /// Records that a page needs an object. One already there keeps its flags. `object` is not changed.
+  /// Records that a page needs an object. One already there keeps its flags. `object` is not changed: whether
+  /// it is a shareable stream, and under which digest, is found out by the harvest when it first needs to
+  /// know.
   void insertFileObject(const SObj& object);
-  /// Looks a named destination up; position restored.
-  bool getNameDest(const std::string& name, DestTD& out);
 
   bool isPage(const SObj& object) const { return mainSource().pageSet.count(object) != 0; }
   bool isPageObject(const SObj& object) const { return pageObjects.count(object) != 0; }
@@ -74,20 +77,21 @@ class CSourFile : public std::istream {
   CSourFile& mainSource() { return realSource ? *realSource : *this; }
   const CSourFile& mainSource() const { return realSource ? *realSource : *this; }
 
-  /// Bytes that may be looked at in place: the whole buffer when it lies in memory. `found` tells whether it does.
+  /// Bytes that may be looked at in place: the whole buffer when it lies in memory. `found` tells whether it
+  /// does.
   std::string_view span(bool& found) const { return spanOf(rdbuf(), found); }
 
-  std::unique_ptr<CCatalog> catalogObj;        ///< made for a source with a document behind it
+  std::unique_ptr<CCatalog> catalogObj;  ///< made for a source with a document behind it
   CFileInfo fileInfo;
   ObjectStreams objectStreams;
-  std::set<SObj> pageObjects;                  ///< every object that a page needs; grows over the source's life
-  std::string version;                         ///< header literal, such as "%PDF-1.7"
-  std::vector<SObj> pageList;                  ///< pages in document order
+  std::set<SObj> pageObjects;  ///< every object that a page needs; grows over the source's life
+  std::string version;         ///< header literal, such as "%PDF-1.7"
+  std::vector<SObj> pageList;  ///< pages in document order
   std::unordered_set<SObj, SObjHash> pageSet;  ///< the same, to be asked
   long long headerOffset = 0;                  ///< position of "%PDF-"
   std::set<SObj> xrefStreamObjs;               ///< cross-reference streams, which are never copied
   bool isSubSource = false;
-  int curPage = 0;                             ///< the page that is being read, from 1
+  int curPage = 0;  ///< the page that is being read, from 1
   SourceSwitches switches;
 
   // Page tree.
@@ -98,29 +102,33 @@ class CSourFile : public std::istream {
 
   // Filled for the selected page.
   std::vector<SObj> pageContentObjs;
-  std::set<SObj> pageContentSet;               ///< keeps the vector free of repeats
+  std::set<SObj> pageContentSet;  ///< keeps the vector free of repeats
   std::set<SObj> pageResourceObjs;
   std::set<SObj> pageAnnotObjs;
-  std::set<SObj> pieceFilteredObjs;            ///< not cleared between pages
+  std::set<SObj> pieceFilteredObjs;  ///< not cleared between pages
   std::map<SDestObjKey, SDestInfo> destObjMap;
-  std::set<SObj> actionObjs;                   ///< objects with an action
-  std::set<SObj> documentObjs;                 ///< reached by the form and name readers
+  std::set<SObj> actionObjs;    ///< objects with an action
+  std::set<SObj> documentObjs;  ///< reached by the form and name readers
 
   /// Enters an object into pageObjects as it stands; one already there keeps its flags.
   /// @return whether it is new
   bool enterPageObject(const SObj& object);
   /// Takes an object out of pageObjects.
   void erasePageObject(const SObj& object);
-  /// Identities entered into pageObjects since the harvest last took them (some may have been erased again): what lets a
-  /// page cost what it adds, not what stands there already.
+  /// Identities entered into pageObjects since the harvest last took them (some may have been erased again):
+  /// what lets a page cost what it adds, not what stands there already.
   std::vector<SObj> newPageObjects;
   /// Identities erased from pageObjects since the harvest last took them.
   std::vector<SObj> erasedPageObjects;
 
  private:
+  bool findHeader(std::string& line);
+  bool readHeader();
+  int walkPages(bool skipUnknownNodes);
+
   CSourFile* realSource = nullptr;
-  std::unique_ptr<SpanBuffer> ownBuffer;
   std::string ownText;
+  std::optional<SpanBuffer> ownBuffer;  ///< over ownText
 };
 
 /// A reader that writes an object's text with all its references dropped, and tells whether there were any.
