@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+namespace TesselHost {
+
+/// The value at the start of `text` (ISO 32000-2, 7.3), white space before it left out: a dictionary, an
+/// array, a string, a reference, a name or what else stands there up to the next delimiter. Empty when none
+/// stands there or when it isn't closed. A view into `text`; takes time linear in the value.
+std::string_view valueAt(std::string_view text);
+
+/// The value of a key, given as "/Group", of the first dictionary in `text`; keys of dictionaries inside it
+/// don't count. Empty when there is no such key. A view into `text`.
+std::string_view valueOfKey(std::string_view text, std::string_view key);
+
+/// What stands between the brackets of a dictionary; empty when `value` is none.
+std::string_view insideOf(std::string_view value);
+
+}  // namespace TesselHost

@@ -1,0 +1,138 @@
+#include "TesselHost/host_form.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "TesselHost/host_dictionary.h"
+#include "TesselHost/host_error.h"
+#include "TesselHost/host_number.h"
+#include "TesselHost/host_paper.h"
+
+namespace TesselHost {
+
+namespace {
+
+using TESSEL::CTesselPage;
+namespace Result = TESSEL::Result;
+
+constexpr std::string_view noResources = "<<>>";
+
+/// The value of /Group when it tells of transparency: a dictionary or a reference, which isn't looked into.
+std::string groupIn(std::string_view pageDictionary) {
+  const std::string_view group = valueOfKey(pageDictionary, "/Group");
+  const bool dictionary = group.substr(0, 2) == "<<";
+  const bool reference = !group.empty() && group.back() == 'R';
+  return dictionary || reference ? std::string(group) : std::string();
+}
+
+double userUnitIn(std::string_view pageDictionary) {
+  const auto unit = parseDecimal(valueOfKey(pageDictionary, "/UserUnit"));
+  return unit && *unit > 0 ? *unit : 1.0;
+}
+
+std::string boxText(const Rect& box) {
+  return fmt::format("[{} {} {} {}]", decimal(box.x), decimal(box.y), decimal(box.x + box.width),
+                     decimal(box.y + box.height));
+}
+
+std::string matrixText(const Affine& m) {
+  return fmt::format("[{} {} {} {} {} {}]", decimal(m.a), decimal(m.b), decimal(m.c), decimal(m.d),
+                     decimal(m.e), decimal(m.f));
+}
+
+std::string formEntries(const PageGeometry& geometry, const PageForm& form, std::string_view resources) {
+  std::string entries =
+      fmt::format("/Type/XObject/Subtype/Form/BBox{}/Matrix{}/Resources {}", boxText(geometry.visible),
+                  matrixText(upright(geometry.visible, geometry.quarterTurns)), resources);
+  if (!form.group.empty()) entries += "/Group " + form.group;
+  return entries;
+}
+
+/// The largest number that the harvest has given; the start when it gave none.
+int largestNumber(const CTesselPage& page, int start) {
+  int largest = page.empty() ? start - 1 : page.rbegin()->first.first;
+  for (const auto& pair : page.getNewObjectPairs()) largest = std::max(largest, pair.second.first);
+  return std::max(largest, start - 1);
+}
+
+}  // namespace
+
+void FormMaker::warn(const Source& source, int page, const std::string& what) {
+  observer.warn(fmt::format("{}: page {}: {}", source.path(), page, what));
+}
+
+PageForm FormMaker::make(Source& source, int page) {
+  PageForm form;
+  const auto geometry = source.geometryOf(page);
+  form.size = geometry ? geometry->size() : letterSize;
+  if (!geometry) {
+    warn(source, page, "no usable size, its place stays empty");
+    return form;
+  }
+  if (!select(source, page)) return form;
+  form.number = writer.reserve();
+  harvest(source.pages(), form.number);
+  const std::string dictionary = source.pages().getPageRootString(0);
+  form.group = groupIn(dictionary);
+  form.userUnit = userUnitIn(dictionary);
+  writeForm(source, page, *geometry, form);
+  writeObjects(source.pages());
+  return form;
+}
+
+bool FormMaker::select(Source& source, int page) {
+  const int result = source.pages().setPageNo(page);
+  if (result == Result::success) return true;
+  warn(source, page, fmt::format("{} ({}), its place stays empty", reasonOf(result), result));
+  return false;
+}
+
+void FormMaker::harvest(CTesselPage& page, int formNumber) {
+  page.setOld2NewObjectVector(page.getNewObjectPairs());
+  page.setStreamObjMap(&digests);
+  page.setCurPageObj(formNumber, 0);
+  const int start = writer.nextNumber();
+  page.setStartObjNo(start);
+  writer.reserveThrough(largestNumber(page, start));
+}
+
+void FormMaker::writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form) {
+  CTesselPage& reader = source.pages();
+  const std::string entries = formEntries(geometry, form, resourcesOf(source, page, form.number));
+  if (reader.getStoredContents(storedContents, storedFilters))
+    writer.writeStream(form.number, entries + storedFilters, storedContents);
+  else
+    writer.writePackedStream(form.number, entries, contentsOf(source, page));
+}
+
+std::string FormMaker::resourcesOf(Source& source, int page, int formNumber) {
+  const std::string* resources = nullptr;
+  const int result = source.pages().getPageRes(&resources, formNumber);
+  if (result != Result::success)
+    warn(source, page, fmt::format("resources: {} ({})", reasonOf(result), result));
+  const std::string_view value = result == Result::success ? valueAt(*resources) : std::string_view{};
+  const bool dictionary = value.substr(0, 2) == "<<";
+  const bool reference = !value.empty() && value.back() == 'R';
+  return std::string(dictionary || reference ? value : noResources);
+}
+
+std::string_view FormMaker::contentsOf(Source& source, int page) {
+  const std::string* contents = nullptr;
+  const int result = source.pages().getPageContents(&contents);
+  if (result == Result::success) return *contents;
+  warn(source, page, fmt::format("content: {} ({}), its place stays empty", reasonOf(result), result));
+  return {};
+}
+
+void FormMaker::writeObjects(const CTesselPage& page) {
+  for (const auto& [object, body] : page) {
+    // An object that couldn't be read stays a free entry, which is null to a reader.
+    if (body.empty()) continue;
+    writer.writeBody(object, body);
+    std::string digest = page.getStreamDigest(object);
+    if (!digest.empty()) digests.emplace(std::move(digest), object);
+  }
+}
+
+}  // namespace TesselHost

@@ -1,0 +1,148 @@
+#include "TesselHost/host_info.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <optional>
+
+#include "TesselHost/host_json.h"
+#include "TesselHost/host_number.h"
+#include "TesselHost/host_paper.h"
+#include "TesselHost/host_source.h"
+#include "TesselPage/tessel_types.h"
+
+namespace TesselHost {
+
+namespace {
+
+using TESSEL::CTesselPage;
+using TESSEL::RectTD;
+
+constexpr std::array boxNames = {"media", "crop", "bleed", "trim", "art"};
+constexpr int decimalsShown = 3;
+
+/// What is told of a page.
+struct PageFacts {
+  std::array<RectTD, boxNames.size()> boxes;
+  int sizeResult = 0;
+  float width = 0;
+  float height = 0;
+  int rotate = 0;
+
+  friend bool operator==(const PageFacts&, const PageFacts&) = default;
+};
+
+PageFacts factsOf(const CTesselPage& reader, int page) {
+  PageFacts facts;
+  for (std::size_t i = 0; i < boxNames.size(); ++i) {
+    RectTD& box = facts.boxes[i];
+    reader.getPageBox(page, static_cast<CTesselPage::EBox>(i), box.left, box.bottom, box.right, box.top);
+  }
+  facts.sizeResult = reader.getPageSize(page, facts.width, facts.height, CTesselPage::visibleBox);
+  reader.getPageRotate(page, facts.rotate);
+  return facts;
+}
+
+std::string numberText(float value) { return decimal(unblurred(value, value), decimalsShown); }
+
+std::string boxText(const RectTD& box) {
+  return fmt::format("[{} {} {} {}]", numberText(box.left), numberText(box.bottom), numberText(box.right),
+                     numberText(box.top));
+}
+
+/// The boxes, each one that is the same as the one before it left out.
+std::string boxesText(const PageFacts& facts) {
+  std::string text;
+  for (std::size_t i = 0; i < boxNames.size(); ++i) {
+    // Without an entry of its own a box is the crop box, and the crop box the media box (ISO
+    // 32000-2, 14.11.2).
+    const RectTD& usual = facts.boxes[i == 1 ? 0 : 1];
+    if (i == 0 || facts.boxes[i] != usual)
+      text += fmt::format("  {} {}", boxNames[i], boxText(facts.boxes[i]));
+  }
+  return text;
+}
+
+std::string sizeText(const PageFacts& facts) {
+  if (facts.sizeResult != TESSEL::Result::success) return "no usable size";
+  std::string text = fmt::format("{} x {} pt", numberText(facts.width), numberText(facts.height));
+  const std::string name = paperNameOf({facts.width, facts.height});
+  return name.empty() ? text : text + fmt::format(" ({})", name);
+}
+
+std::string runText(int first, int last, const PageFacts& facts) {
+  std::string text =
+      first == last ? fmt::format("  page {}: ", first) : fmt::format("  pages {}-{}: ", first, last);
+  text += sizeText(facts);
+  if (facts.rotate != 0) text += fmt::format(", rotated by {}", facts.rotate);
+  return text + boxesText(facts) + "\n";
+}
+
+void writePageJson(JsonWriter& json, int page, const PageFacts& facts) {
+  json.beginObject().key("page").value(page);
+  json.key("size").beginArray().value(facts.width).value(facts.height).endArray();
+  json.key("rotate").value(facts.rotate).key("boxes").beginObject();
+  for (std::size_t i = 0; i < boxNames.size(); ++i) {
+    const RectTD& box = facts.boxes[i];
+    json.key(boxNames[i])
+        .beginArray()
+        .value(box.left)
+        .value(box.bottom)
+        .value(box.right)
+        .value(box.top)
+        .endArray();
+  }
+  json.endObject().endObject();
+}
+
+std::string headerVersion(const Source& source) {
+  return PdfVersion::parse(source.pages().getHeaderVersion()).text();
+}
+
+void endLine(JsonWriter& json, ByteSink& sink) {
+  json.endObject();
+  sink.write(json.text());
+  sink.write("\n");
+}
+
+}  // namespace
+
+void describe(const std::string& file, ByteSink& sink) {
+  const Source source(file);
+  const int count = source.pageCount();
+  sink.write(
+      fmt::format("{}: PDF {}, {} page{}\n", file, headerVersion(source), count, count == 1 ? "" : "s"));
+  int first = 1;
+  PageFacts facts;
+  for (int page = 1; page <= count; ++page) {
+    const PageFacts next = factsOf(source.pages(), page);
+    if (page > 1 && !(next == facts)) {
+      sink.write(runText(first, page - 1, facts));
+      first = page;
+    }
+    facts = next;
+  }
+  if (count > 0) sink.write(runText(first, count, facts));
+}
+
+void describeAsJson(const std::string& file, ByteSink& sink) {
+  const Source source(file);
+  JsonWriter json;
+  json.beginObject().key("file").value(file).key("version").value(headerVersion(source));
+  json.key("pageCount").value(source.pageCount()).key("pages").beginArray();
+  for (int page = 1; page <= source.pageCount(); ++page)
+    writePageJson(json, page, factsOf(source.pages(), page));
+  json.endArray();
+  endLine(json, sink);
+}
+
+void failureAsJson(const std::string& file, int code, const std::string& reason, ByteSink& sink) {
+  JsonWriter json;
+  json.beginObject().key("file").value(file).key("error").beginObject();
+  json.key("code").value(code).key("reason").value(reason).endObject();
+  endLine(json, sink);
+}
+
+}  // namespace TesselHost

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "TesselHost/host_output.h"
+
+namespace TesselHost {
+
+/// Tells a person what a file holds: version, pages, and for each run of like pages boxes, visible size,
+/// rotation. Throws SourceError when the file can't be used.
+void describe(const std::string& file, ByteSink& sink);
+
+/// The same for programs, as one line of JSON with each page by itself.
+void describeAsJson(const std::string& file, ByteSink& sink);
+
+/// The line of JSON that stands for a file that can't be used.
+/// @param code  result of the library, 0 when the reason isn't one of its
+void failureAsJson(const std::string& file, int code, const std::string& reason, ByteSink& sink);
+
+}  // namespace TesselHost

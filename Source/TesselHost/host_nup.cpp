@@ -1,0 +1,219 @@
+#include "TesselHost/host_nup.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <fstream>
+#include <memory>
+#include <unordered_map>
+
+#include "TesselHost/host_document.h"
+#include "TesselHost/host_error.h"
+#include "TesselHost/host_number.h"
+#include "TesselHost/host_output.h"
+#include "TesselHost/host_source.h"
+
+namespace TesselHost {
+
+namespace {
+
+/// One input and what is wanted of it. A page that is wanted twice is one form.
+struct Input {
+  std::unique_ptr<Source> source;
+  std::vector<int> pages;
+  std::unordered_map<int, PageForm> forms;
+};
+
+std::vector<Input> openInputs(const NupOptions& options) {
+  std::vector<Input> inputs;
+  for (const std::string& path : options.inputs) {
+    Input input{std::make_unique<Source>(path), {}, {}};
+    input.pages = options.pages.pagesOf(input.source->pageCount());
+    inputs.push_back(std::move(input));
+  }
+  return inputs;
+}
+
+int countPages(const std::vector<Input>& inputs) {
+  std::size_t count = 0;
+  for (const Input& input : inputs) count += input.pages.size();
+  return static_cast<int>(count);
+}
+
+Size sizeOf(const Source& source, int page) {
+  const auto geometry = source.geometryOf(page);
+  return geometry ? geometry->size() : letterSize;
+}
+
+std::vector<Size> sizesOf(const std::vector<Input>& inputs) {
+  std::vector<Size> sizes;
+  for (const Input& input : inputs)
+    for (const int page : input.pages) sizes.push_back(sizeOf(*input.source, page));
+  return sizes;
+}
+
+Size largestOf(const std::vector<Size>& sizes) {
+  Size largest;
+  for (const Size& size : sizes)
+    largest = {std::max(largest.width, size.width), std::max(largest.height, size.height)};
+  return largest;
+}
+
+double totalScale(const std::vector<Size>& sizes, const Rect& cell) {
+  double total = 0;
+  for (const Size& size : sizes) total += scaleToFit(size, cell);
+  return total;
+}
+
+/// The way to lay the paper that shows the pages larger; upright when both do alike.
+Size turnedForPages(const Size& paper, const std::vector<Size>& sizes, const NupOptions& options) {
+  const double uprightScale = totalScale(sizes, cellOf(paper, options.grid, options.spacing, 0));
+  const double acrossScale = totalScale(sizes, cellOf(paper.turned(), options.grid, options.spacing, 0));
+  constexpr double clearlyLarger = 1.001;
+  return acrossScale > uprightScale * clearlyLarger ? paper.turned() : paper;
+}
+
+/// Knows how large each sheet is.
+class SheetPlan {
+ public:
+  SheetPlan(const NupOptions& someOptions, const std::vector<Input>& inputs) : options(someOptions) {
+    if (ownSizes()) return;
+    const std::vector<Size> sizes = sizesOf(inputs);
+    switch (options.paper.kind) {
+      case Paper::Kind::fitted:
+        common = sheetAround(largestOf(sizes), options.grid, options.spacing);
+        break;
+      case Paper::Kind::turnable:
+        common = turnedForPages(options.paper.size, sizes, options);
+        break;
+      case Paper::Kind::fixed:
+        common = options.paper.size;
+        break;
+    }
+    const Rect cell = cellOf(common, options.grid, options.spacing, 0);
+    if (cell.width < 1 || cell.height < 1)
+      throw UsageError("margins and gutters leave no room for the pages");
+  }
+
+  /// Whether each sheet is as large as its only page.
+  bool ownSizes() const { return options.paper.kind == Paper::Kind::fitted && options.grid.cells() == 1; }
+  Size sheetFor(const PageForm& first) const {
+    return ownSizes() ? sheetAround(first.size, options.grid, options.spacing) : common;
+  }
+
+ private:
+  const NupOptions& options;
+  Size common;
+};
+
+/// Fills sheets with pages as they come and hands each full sheet to the document.
+class SheetFiller {
+ public:
+  SheetFiller(const NupOptions& someOptions, const SheetPlan& aPlan, OutputDocument& aDocument)
+      : options(someOptions), plan(aPlan), document(aDocument) {}
+
+  void add(const PageForm& form) {
+    if (sheet.placements.empty()) begin(form);
+    const auto cell = static_cast<int>(sheet.placements.size());
+    const Affine matrix = fitInto(form.size, cellOf(sheet.size, options.grid, options.spacing, cell));
+    sheet.placements.push_back({form, matrix, options.frame});
+    if (cell + 1 == options.grid.cells()) flush();
+  }
+
+  void flush() {
+    if (sheet.placements.empty()) return;
+    document.add(sheet);
+    sheet.placements.clear();
+    ++count;
+  }
+
+  int sheets() const { return count; }
+
+ private:
+  void begin(const PageForm& form) {
+    sheet.size = plan.sheetFor(form);
+    sheet.userUnit = plan.ownSizes() ? form.userUnit : 1;
+  }
+
+  const NupOptions& options;
+  const SheetPlan& plan;
+  OutputDocument& document;
+  Sheet sheet;
+  int count = 0;
+};
+
+PdfVersion versionFor(const NupOptions& options, const std::vector<Input>& inputs) {
+  PdfVersion version = options.objectStreams ? pdf15 : pdf14;
+  for (const Input& input : inputs) version = std::max(version, input.source->version());
+  return version;
+}
+
+void addFile(Fingerprint& fingerprint, const std::string& path) {
+  constexpr std::size_t blockSize = std::size_t{1} << 18U;
+  std::ifstream file(path, std::ios::binary);
+  std::string block(blockSize, '\0');
+  while (file.read(block.data(), static_cast<std::streamsize>(block.size())), file.gcount() > 0)
+    fingerprint.add(std::string_view(block).substr(0, static_cast<std::size_t>(file.gcount())));
+}
+
+/// Equal inputs and options give equal identifiers, and so equal outputs; the files' names don't count.
+std::string identifierFor(const NupOptions& options, const std::vector<Input>& inputs) {
+  Fingerprint fingerprint;
+  fingerprint.add(fmt::format("{}x{} {} {} {} {} {} {} {}", options.grid.columns, options.grid.rows,
+                              static_cast<int>(options.paper.kind), decimal(options.paper.size.width),
+                              decimal(options.paper.size.height), decimal(options.spacing.margin),
+                              decimal(options.spacing.gutter), options.frame, options.objectStreams));
+  for (const Input& input : inputs) {
+    for (const int page : input.pages) fingerprint.add(fmt::format(" {}", page));
+    addFile(fingerprint, input.source->path());
+  }
+  return fingerprint.bytes();
+}
+
+const PageForm& formOf(Input& input, int page, FormMaker& maker) {
+  const auto known = input.forms.find(page);
+  return known != input.forms.end()
+             ? known->second
+             : input.forms.emplace(page, maker.make(*input.source, page)).first->second;
+}
+
+void refuseOverwriting(const NupOptions& options) {
+  for (const std::string& input : options.inputs)
+    if (isSameFile(input, options.output))
+      throw UsageError(fmt::format("{}: the output would overwrite this input", input));
+}
+
+void fillSheets(std::vector<Input>& inputs, FormMaker& maker, SheetFiller& filler, Observer& observer) {
+  const int total = countPages(inputs);
+  int done = 0;
+  for (Input& input : inputs) {
+    for (const int page : input.pages) {
+      filler.add(formOf(input, page, maker));
+      if (!observer.progress(++done, total)) throw Interrupted();
+    }
+    // What this source holds in memory isn't needed any more.
+    input.source.reset();
+  }
+  filler.flush();
+}
+
+}  // namespace
+
+NupResult nup(const NupOptions& options, Observer& observer) {
+  refuseOverwriting(options);
+  std::vector<Input> inputs = openInputs(options);
+  const int pages = countPages(inputs);
+  if (pages == 0) throw SourceError(options.inputs.front(), "no page to place");
+  const SheetPlan plan(options, inputs);
+  OutputFile file(options.output);
+  OutputDocument document(file, {versionFor(options, inputs), options.objectStreams},
+                          identifierFor(options, inputs));
+  FormMaker maker(document.objects(), observer);
+  SheetFiller filler(options, plan, document);
+  fillSheets(inputs, maker, filler, observer);
+  document.finish();
+  file.commit();
+  return {pages, filler.sheets()};
+}
+
+}  // namespace TesselHost

@@ -1,0 +1,209 @@
+#include "TesselHost/host_objects.h"
+
+#include <fmt/format.h>
+
+#include <iterator>
+
+#include "TesselHost/host_error.h"
+
+namespace TesselHost {
+
+namespace {
+
+// Tells transfer programs that the file is binary (ISO 32000-2, 7.5.2).
+constexpr std::string_view binaryMark = "%\xE2\xE3\xCF\xD3\n";
+// A table's row has ten digits for the offset (ISO 32000-2, 7.5.4).
+constexpr std::uint64_t largestTableOffset = 9'999'999'999;
+// Small enough that a reader that wants one object doesn't unpack much.
+constexpr std::size_t objectsPerStream = 200;
+constexpr std::size_t bytesPerObjectStream = 64U * 1024U;
+constexpr std::size_t smallestPackedStream = 32;
+
+std::string hex(std::string_view bytes) {
+  std::string text;
+  for (const unsigned char byte : bytes) fmt::format_to(std::back_inserter(text), "{:02X}", byte);
+  return text;
+}
+
+std::string trailerEntries(const Trailer& trailer, int size) {
+  const std::string id = hex(trailer.id);
+  std::string text = fmt::format("/Size {}/Root {}", size, referenceTo(trailer.root));
+  if (trailer.info != 0) text += "/Info " + referenceTo(trailer.info);
+  return text + fmt::format("/ID[<{}><{}>]", id, id);
+}
+
+bool holdsStream(std::string_view body) { return body.rfind("endstream") != std::string_view::npos; }
+
+/// Width of the field that holds the largest place, in bytes.
+unsigned bytesFor(std::uint64_t value) {
+  unsigned bytes = 1;
+  while (bytes < sizeof value && value >> (8 * bytes) != 0) ++bytes;
+  return bytes;
+}
+
+void appendField(std::string& row, std::uint64_t value, unsigned bytes) {
+  while (bytes-- > 0) row += static_cast<char>(value >> (8 * bytes));
+}
+
+// PNG's "up" predictor (ISO 32000-2, 7.4.4.4): rows of one table differ little from row to row.
+constexpr char predictorUp = 2;
+constexpr int predictorParameter = 12;
+
+void appendPredicted(std::string& out, const std::string& row, const std::string& above) {
+  out += predictorUp;
+  for (std::size_t i = 0; i < row.size(); ++i)
+    out += static_cast<char>(static_cast<unsigned char>(row[i]) - static_cast<unsigned char>(above[i]));
+}
+
+}  // namespace
+
+std::string referenceTo(int number) { return fmt::format("{} 0 R", number); }
+
+ObjectWriter::ObjectWriter(ByteSink& aSink, const Options& someOptions)
+    : sink(aSink), options(someOptions), entries(1) {
+  put(fmt::format("%PDF-{}\n", options.version.text()));
+  put(binaryMark);
+}
+
+void ObjectWriter::reserveThrough(int number) {
+  if (number >= next) next = number + 1;
+}
+
+void ObjectWriter::put(std::string_view bytes) {
+  sink.write(bytes);
+  offset += bytes.size();
+}
+
+ObjectWriter::Entry& ObjectWriter::entryOf(int number) {
+  const auto index = static_cast<std::size_t>(number);
+  if (entries.size() <= index) entries.resize(index + 1);
+  return entries[index];
+}
+
+void ObjectWriter::beginObject(const Identity& object) {
+  reserveThrough(object.first);
+  entryOf(object.first) = {offset, static_cast<std::uint32_t>(object.second), EntryKind::atOffset};
+  scratch.clear();
+  fmt::format_to(std::back_inserter(scratch), "{} {} obj\n", object.first, object.second);
+}
+
+void ObjectWriter::writeBody(const Identity& object, std::string_view body) {
+  // Only plain objects of generation 0 may lie in an object stream (ISO 32000-2, 7.5.7).
+  if (options.objectStreams && object.second == 0 && !holdsStream(body)) return collect(object.first, body);
+  beginObject(object);
+  put(scratch);
+  put(body);
+  put("\nendobj\n");
+}
+
+void ObjectWriter::writeStream(int number, std::string_view dictionaryEntries, std::string_view data) {
+  beginObject({number, 0});
+  fmt::format_to(std::back_inserter(scratch), "<<{}/Length {}>>\nstream\n", dictionaryEntries, data.size());
+  put(scratch);
+  put(data);
+  put("\nendstream\nendobj\n");
+}
+
+void ObjectWriter::writePackedStream(int number, std::string_view dictionaryEntries, std::string_view data) {
+  constexpr std::string_view filter = "/Filter/FlateDecode";
+  if (data.size() >= smallestPackedStream) {
+    const std::string_view packed = deflater.pack(data);
+    if (packed.size() + filter.size() < data.size())
+      return writeStream(number, std::string(dictionaryEntries).append(filter), packed);
+  }
+  writeStream(number, dictionaryEntries, data);
+}
+
+void ObjectWriter::collect(int number, std::string_view body) {
+  reserveThrough(number);
+  collectedNumbers.push_back(number);
+  collectedOffsets.push_back(collected.size());
+  collected += body;
+  // A line end, since the body may close with a comment.
+  collected += '\n';
+  if (collectedNumbers.size() >= objectsPerStream || collected.size() >= bytesPerObjectStream)
+    flushObjectStream();
+}
+
+void ObjectWriter::flushObjectStream() {
+  if (collectedNumbers.empty()) return;
+  const int number = reserve();
+  std::string data;
+  for (std::size_t i = 0; i < collectedNumbers.size(); ++i) {
+    fmt::format_to(std::back_inserter(data), "{} {} ", collectedNumbers[i], collectedOffsets[i]);
+    entryOf(collectedNumbers[i]) = {static_cast<std::uint64_t>(number), static_cast<std::uint32_t>(i),
+                                    EntryKind::inObjectStream};
+  }
+  data.back() = '\n';
+  const auto first = data.size();
+  data += collected;
+  writePackedStream(number, fmt::format("/Type/ObjStm/N {}/First {}", collectedNumbers.size(), first), data);
+  collectedNumbers.clear();
+  collectedOffsets.clear();
+  collected.clear();
+}
+
+void ObjectWriter::finish(const Trailer& trailer) {
+  flushObjectStream();
+  options.objectStreams ? writeCrossReferenceStream(trailer) : writeTable(trailer);
+}
+
+void ObjectWriter::writeTable(const Trailer& trailer) {
+  const std::uint64_t start = offset;
+  if (start > largestTableOffset)
+    throw OutputError("the output", "too large for a classic cross-reference table; object streams have room",
+                      0);
+  entries.resize(static_cast<std::size_t>(next));
+  put(fmt::format("xref\n0 {}\n", next));
+  writeTableRows();
+  put(fmt::format("trailer\n<<{}>>\n", trailerEntries(trailer, next)));
+  writeEnd(start);
+}
+
+void ObjectWriter::writeTableRows() {
+  constexpr std::size_t rowSize = 20;
+  // A free entry outside the list of free ones points to object 0 with generation 65535 (ISO 32000-2, 7.5.4).
+  constexpr std::string_view freeRow = "0000000000 65535 f \n";
+  scratch.clear();
+  scratch.reserve(entries.size() * rowSize);
+  for (const Entry& entry : entries) {
+    if (entry.kind == EntryKind::free)
+      scratch += freeRow;
+    else
+      fmt::format_to(std::back_inserter(scratch), "{:010} {:05} n \n", entry.place, entry.detail);
+  }
+  put(scratch);
+}
+
+void ObjectWriter::writeCrossReferenceStream(const Trailer& trailer) {
+  const std::uint64_t start = offset;
+  const int number = reserve();
+  entries.resize(static_cast<std::size_t>(next));
+  entryOf(number) = {start, 0, EntryKind::atOffset};
+  const unsigned placeBytes = bytesFor(start);
+  constexpr unsigned kindBytes = 1;
+  constexpr unsigned detailBytes = 2;
+  const unsigned columns = kindBytes + placeBytes + detailBytes;
+  std::string rows;
+  std::string row;
+  std::string above(columns, '\0');
+  for (const Entry& entry : entries) {
+    row.clear();
+    appendField(row, static_cast<std::uint64_t>(entry.kind), kindBytes);
+    appendField(row, entry.place, placeBytes);
+    appendField(row, entry.detail, detailBytes);
+    appendPredicted(rows, row, above);
+    above.swap(row);
+  }
+  writeStream(
+      number,
+      fmt::format("/Type/XRef/W[{} {} {}]/Filter/FlateDecode/DecodeParms<</Predictor {}/Columns {}>>{}",
+                  kindBytes, placeBytes, detailBytes, predictorParameter, columns,
+                  trailerEntries(trailer, next)),
+      deflater.pack(rows));
+  writeEnd(start);
+}
+
+void ObjectWriter::writeEnd(std::uint64_t start) { put(fmt::format("startxref\n{}\n%%EOF\n", start)); }
+
+}  // namespace TesselHost

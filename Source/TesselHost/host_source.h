@@ -1,0 +1,42 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "TesselHost/host_layout.h"
+#include "TesselHost/host_version.h"
+#include "TesselPage/tessel_page.h"
+
+namespace TesselHost {
+
+/// A page of a source as it lies in its own coordinates.
+struct PageGeometry {
+  Rect visible;          ///< what is to be seen, before rotation, in points
+  int quarterTurns = 0;  ///< clockwise
+
+  /// Size as it stands upright.
+  Size size() const;
+};
+
+/// One source PDF that has been opened.
+class Source {
+ public:
+  /// Throws SourceError when the file can't be used.
+  explicit Source(const std::string& path, const std::string& password = {});
+
+  const std::string& path() const { return file; }
+  int pageCount() const { return reader.getPageCount(); }
+  /// The higher one of the header's version and the catalog's /Version.
+  PdfVersion version() const;
+  /// Geometry of any page, counted from 1, selected or not; nothing when the page has no usable size.
+  std::optional<PageGeometry> geometryOf(int page) const;
+
+  TESSEL::CTesselPage& pages() { return reader; }
+  const TESSEL::CTesselPage& pages() const { return reader; }
+
+ private:
+  std::string file;
+  TESSEL::CTesselPage reader;
+};
+
+}  // namespace TesselHost

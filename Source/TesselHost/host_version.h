@@ -1,0 +1,27 @@
+#pragma once
+
+#include <compare>
+#include <string>
+#include <string_view>
+
+namespace TesselHost {
+
+/// A PDF version (ISO 32000-2, 7.5.2).
+struct PdfVersion {
+  int major = 1;
+  int minor = 0;
+
+  /// The version of a text like "%PDF-1.7" or "/1.7"; 1.0 when the text tells none.
+  static PdfVersion parse(std::string_view text);
+  std::string text() const;
+  friend auto operator<=>(const PdfVersion&, const PdfVersion&) = default;
+};
+
+/// Transparency groups of forms need this.
+inline constexpr PdfVersion pdf14{1, 4};
+/// Object streams and cross-reference streams need this.
+inline constexpr PdfVersion pdf15{1, 5};
+/// /UserUnit needs this.
+inline constexpr PdfVersion pdf16{1, 6};
+
+}  // namespace TesselHost

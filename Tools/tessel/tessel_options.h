@@ -1,0 +1,37 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "TesselHost/host_range.h"
+
+namespace tessel_tool {
+
+/// An option whose text `Parse` turns into a value, or refuses by giving nothing.
+/// @param wanted  what the text should be, for the message
+template <class Value, class Parse>
+CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value, Parse parse,
+                       const std::string& help, const std::string& wanted) {
+  return command.add_option_function<std::string>(
+      name,
+      [&value, parse, name, wanted](const std::string& text) {
+        const auto parsed = parse(text);
+        if (!parsed) throw CLI::ValidationError(name, "'" + text + "' is not " + wanted);
+        value = *parsed;
+      },
+      help);
+}
+
+/// --pages, alike for every command.
+inline void addPages(CLI::App& command, TesselHost::PageRange& pages) {
+  addParsed(command, "--pages", pages, TesselHost::PageRange::parse,
+            "Pages to take, such as 1-4,7,12- (default: all)", "a selection of pages such as 1-4,7,12-")
+      ->type_name("RANGE");
+}
+
+/// --quiet, alike for every command that works for long.
+inline void addQuiet(CLI::App& command, bool& quiet) {
+  command.add_flag("-q,--quiet", quiet, "No progress and no warnings");
+}
+
+}  // namespace tessel_tool
