@@ -13,6 +13,7 @@
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/Syntax/tessel_string.h"
+#include "TesselPage/Syntax/tessel_token.h"
 #include "TesselPage/Writer/tessel_destfile.h"
 #include "TesselPage/tessel_page.h"
 
@@ -93,10 +94,10 @@ void CTesselPage::refObjFilt(iterator it) {
   // A chain ends at an entry without a reference, at an object outside the map, or where it closes.
   std::set<Identity> seen;
   while (it != end() && !it->second.empty() && seen.insert(it->first).second) {
-    yard::Tokenizer<PDF_RULES::MatchIndirectObject> references;
-    references.Tokenize(it->second.data(), it->second.data() + it->second.size());
-    if (references.empty()) return;
-    const Identity first = readIdentity(references.front().first, references.front().second);
+    yard::OneTokenizer<PDF_RULES::MatchIndirectObject> found;
+    found.Tokenize(it->second.data(), it->second.data() + it->second.size());
+    if (found.empty()) return;
+    const Identity first = readIdentity(found.front().first, found.front().second);
     state->lengthObjects.insert(first);
     it = find(first);
   }
@@ -131,10 +132,10 @@ int CTesselPage::findLengthPos(const iterator& start, std::string** holder, char
     if (it == end() || !seen.insert(it->first).second) return 0;
     std::string& text = it->second;
     const char* const from = text.data();
-    PDF_RULES::LengthReferenceTokenizer reference;
-    reference.Tokenize(from, from + text.size());
-    if (reference.size() != 1) break;
-    it = find(readIdentity(reference.front().first, reference.front().second));
+    PDF_RULES::LengthReferenceTokenizer indirect;
+    indirect.Tokenize(from, from + text.size());
+    if (indirect.size() != 1) break;
+    it = find(readIdentity(indirect.front().first, indirect.front().second));
   }
   std::string& text = it->second;
   PDF_RULES::LengthIntegerTokenizer direct;
