@@ -53,8 +53,17 @@ concept TakesReferences = requires(Scan scan, const SObj& ref) {
   scan.onReference(ref);
 };
 
+/// A scan that ends at a place, looked at before each turn.
+template <class Scan>
+concept EndsAtPlace = requires(Scan scan) {
+  scan.atEnd();
+};
+
 template <class Scan>
 Turn scanTurn(CSourFile& source, Scan& scan, std::string& token) {
+  if constexpr (EndsAtPlace<Scan>) {
+    if (scan.atEnd()) return Turn::success;
+  }
   if constexpr (TakesReferences<Scan>) {
     SObj ref;
     if (tryReference(source, ref)) return scan.onReference(ref);

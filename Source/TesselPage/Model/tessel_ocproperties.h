@@ -6,7 +6,8 @@
 
 namespace TESSEL {
 
-/// Optional content (ISO 32000-2, 8.11.4): which groups the default configuration switches off and on, and their order.
+/// Optional content (ISO 32000-2, 8.11.4): which groups the default configuration switches off and on, and
+/// their order.
 class COCProperties : public CObj {
  public:
   COCProperties() { typeFlags = foundByTable; }
@@ -24,6 +25,12 @@ class COCProperties : public CObj {
   std::vector<SObj> on;
   std::vector<SObj> order;  ///< /Order, made flat
   bool indirect = false;    ///< the dictionary is an object of its own
+
+ private:
+  friend class OCScan;
+
+  /// @param[out] left  on failure, dictionaries of "/D" that the stream still stands in
+  bool readConfiguration(CSourFile& source, int& left);
 };
 
 }  // namespace TESSEL
