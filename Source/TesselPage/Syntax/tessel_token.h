@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,8 +11,8 @@ namespace TESSEL {
 
 class CSourFile;
 
-/// Token class of each byte: 0 regular, 1 white space, 2 delimiter. Wider than ISO 32000-2, table 1: 0x07, 0x08 and
-/// 0x0B are white space, and "%" is regular, so that a comment is not a token kind.
+/// Token class of each byte: 0 regular, 1 white space, 2 delimiter. Wider than ISO 32000-2, table 1: 0x07,
+/// 0x08 and 0x0B are white space, and "%" is regular, so that a comment is not a token kind.
 extern const unsigned char tokenArray[256];
 
 enum class TokenClass : unsigned char { regular = 0, whiteSpace = 1, delimiter = 2 };
@@ -36,14 +37,14 @@ class CharBuffer {
   /// Takes over a copy of the bytes. In place when they fit, else in a new array of max(n, 15) + 1 bytes.
   void assign(const char* bytes, std::size_t n);
 
-  const char* c_str() const { return data; }
+  const char* c_str() const { return data.get(); }
   std::size_t size() const { return length; }
   std::size_t room() const { return capacity; }
-  std::string_view view() const { return {data, length}; }
+  std::string_view view() const { return {data.get(), length}; }
   bool operator==(std::string_view other) const { return view() == other; }
 
  private:
-  char* data;
+  std::unique_ptr<char[]> data;
   std::size_t length = 0;
   std::size_t capacity = minCapacity;
 };
@@ -51,8 +52,9 @@ class CharBuffer {
 /// The tokeniser: appends the next token to `token`. Nothing is appended at the end of the stream.
 /// A token is "<<", ">>", one other delimiter byte, a name with its "/", or a run of regular bytes in which a
 /// backslash protects the next byte. Failure shows in the stream's state alone.
-/// A regular token that runs to the very end of the stream gets its last byte twice ("%%EOF" reads as "%%EOFF"):
-/// the failed read leaves the former byte, and the search for the last "startxref" counts on the mismatch.
+/// A regular token that runs to the very end of the stream gets its last byte twice ("%%EOF" reads as
+/// "%%EOFF"): the failed read leaves the former byte, and the search for the last "startxref" counts on the
+/// mismatch.
 void readPDFString(std::istream& in, std::vector<char>& token);
 
 /// The same into an emptied string.
@@ -62,8 +64,8 @@ CSourFile& operator>>(CSourFile& in, std::string& token);
 CSourFile& operator>>(CSourFile& in, CharBuffer& token);
 std::istream& operator>>(std::istream& in, CharBuffer& token);
 
-/// Formatted reads with the very results and stream states of `in >> value` in the "C" locale, without its cost.
-/// Each returns whether the stream has not failed. White space is skipped as the stream's flags say.
+/// Formatted reads with the very results and stream states of `in >> value` in the "C" locale, without its
+/// cost. Each returns whether the stream has not failed. White space is skipped as the stream's flags say.
 bool readInteger(std::istream& in, int& value);
 bool readInteger(std::istream& in, long long& value);
 bool readReal(std::istream& in, float& value);

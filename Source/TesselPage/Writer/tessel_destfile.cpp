@@ -1,0 +1,44 @@
+#include "TesselPage/Writer/tessel_destfile.h"
+
+#include <charconv>
+
+namespace TESSEL {
+
+namespace {
+
+constexpr int significantDigits = 6;
+constexpr std::size_t numberTextSize = 32;
+
+}  // namespace
+
+Facade_stringstream& Facade_stringstream::operator<<(int number) {
+  char text[numberTextSize];
+  append(text, std::to_chars(text, text + sizeof text, number).ptr);
+  return *this;
+}
+
+Facade_stringstream& Facade_stringstream::operator<<(double number) {
+  char text[numberTextSize];
+  const auto format = std::chars_format::general;
+  append(text, std::to_chars(text, text + sizeof text, number, format, significantDigits).ptr);
+  return *this;
+}
+
+CDestFile::CDestFile(const std::string&) {}
+
+CDestFile::~CDestFile() = default;
+
+void CDestFile::insertNewObjTab(const NewObjTable& key, const SObj& newId) { newNumbers.emplace(key, newId); }
+
+const SObj* CDestFile::findNewObj(const SObj& object, int index) const {
+  const auto own = newNumbers.find({index, currentFile, object});
+  if (own != newNumbers.end()) return &own->second;
+  return index == 0 && fallback ? fallback->find(object) : nullptr;
+}
+
+CSourFile* CDestFile::GetSourFile(int file) const {
+  const auto place = files.find(file);
+  return place == files.end() ? nullptr : place->second;
+}
+
+}  // namespace TESSEL
