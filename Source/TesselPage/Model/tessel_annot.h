@@ -1,9 +1,12 @@
 #pragma once
 
 #include <list>
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
+#include "TesselPage/Structure/tessel_destinfo.h"
 #include "TesselPage/Syntax/tessel_obj.h"
 #include "TesselPage/tessel_enables.h"
 #include "TesselPage/tessel_types.h"
@@ -34,7 +37,8 @@ class CAnnot : public CObj {
   /// @throws int 1000 when a reference leads to a page
   bool Read(CSourFile& source) override;
   bool ReadOthers(CSourFile& source, std::list<SObj>& work);
-  /// Filters and harvests the object that this reader's identity names.
+  /// Filters and harvests the object that this reader's identity names. The stream stands behind the object's
+  /// head.
   bool ReadObjs(CSourFile* main, CSourFile& source, std::list<SObj>& work);
 
   /// /FT and /Ff of the object at hand; position restored. Whether the stream's state is good.
@@ -72,8 +76,37 @@ class CAnnot : public CObj {
   bool arrayFlag = false;  ///< the array is written directly in the page
 
  private:
+  friend class AnnotArrayScan;
+  friend class AnnotObjectScan;
+
+  /// Type and flags of a field.
+  struct FieldInfo {
+    bool good = false;
+    std::string type;
+    int flags = 0;
+  };
+
+  /// What the harvest of one array has learnt of objects that many annotations share, so that each is read
+  /// once.
+  struct Known {
+    std::map<SObj, FieldInfo> fields;
+    std::map<SObj, SDestInfo> dests;
+    std::set<SObj> actions;
+    /// Entries of the work list, but for objects that are missing: the harvest loop drops those unseen.
+    std::map<SObj, std::list<SObj>::iterator> waiting;
+  };
+
+  /// The value of digits; what doesn't fit is the largest.
+  static int flagsOf(const std::string& digits);
+  const FieldInfo& fieldInfoOf(CSourFile& source, const SObj& field);
+  const SDestInfo& destOf(CSourFile& source, const SObj& ref);
+  bool readAction(CSourFile& main, const SObj& ref);
+  void indexWork(CSourFile& main, std::list<SObj>& work);
+  bool visit(CSourFile& main, CSourFile& body, std::list<SObj>& work);
+
   int pageNum = 0;
   int pageGen = 0;
+  Known known;
 };
 
 }  // namespace TESSEL

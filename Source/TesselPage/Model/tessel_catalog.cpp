@@ -4,8 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "TesselPage/Model/tessel_dpart.h"
 #include "TesselPage/Model/tessel_harvest.h"
 #include "TesselPage/Model/tessel_keyscan.h"
+#include "TesselPage/Model/tessel_structtree.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/Syntax/tessel_positionguard.h"
 #include "TesselPage/Writer/tessel_destfile.h"
@@ -102,6 +104,8 @@ class CatalogScan {
   Turn readMarkInfo();
   Turn readVersion();
   Turn readNames();
+  Turn readDPartRoot();
+  Turn readStructTreeRoot();
   template <class Part>
   Turn readPart(Part& part, bool& byReference);
 
@@ -123,6 +127,8 @@ Turn CatalogScan::onToken(const std::string& token) {
       {nmVersion, &CatalogScan::readVersion},
       {nmNames, &CatalogScan::readNames},
       {nmOCProperties, &CatalogScan::readOCProperties},
+      {nmDPartRoot, &CatalogScan::readDPartRoot},
+      {nmStructTreeRoot, &CatalogScan::readStructTreeRoot},
   };
   if (token == kwendobj) return finish();
   if (token == kwobj) return startObject();
@@ -215,6 +221,18 @@ Turn CatalogScan::readVersion() {
     source >> value;
   }
   return parseVersion(value, catalog.version) ? Turn::goOn : Turn::failure;
+}
+
+Turn CatalogScan::readDPartRoot() {
+  noteDocumentParts(source);
+  skipping = true;
+  return Turn::goOn;
+}
+
+Turn CatalogScan::readStructTreeRoot() {
+  noteStructTree(source);
+  skipping = true;
+  return Turn::goOn;
 }
 
 Turn CatalogScan::readNames() {

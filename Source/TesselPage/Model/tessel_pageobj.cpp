@@ -151,6 +151,7 @@ Turn PageScan::readRotate() {
 // The annotation reader runs on to "endobj"; the page's scan then goes on behind the "[".
 void PageScan::readDirectAnnots() {
   PositionGuard back(source, PositionGuard::State::clear);
+  page.annots.id = page.id;
   page.annots.arrayFlag = true;
   page.annots.Read(source);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -23,6 +24,14 @@ struct SObj {
     return a.objNum != b.objNum ? a.objNum < b.objNum : a.genNum < b.genNum;
   }
   friend bool operator==(const SObj& a, const SObj& b) { return a.objNum == b.objNum && a.genNum == b.genNum; }
+};
+
+/// Hash of an identity, for sets that are only asked.
+struct SObjHash {
+  std::size_t operator()(const SObj& object) const {
+    return static_cast<std::size_t>(object.objNum) * 0x9E3779B97F4A7C15ULL ^
+           static_cast<std::size_t>(object.genNum);
+  }
 };
 
 /// Where an object lies. The numbers are those of a cross-reference stream (ISO 32000-2, table 18).

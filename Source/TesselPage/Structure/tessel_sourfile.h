@@ -12,24 +12,18 @@
 #include <vector>
 
 #include "TesselPage/Structure/tessel_destinfo.h"
+#include "TesselPage/Structure/tessel_destlookup.h"
 #include "TesselPage/Structure/tessel_fileinfo.h"
 #include "TesselPage/Structure/tessel_objectstreams.h"
 #include "TesselPage/Structure/tessel_paperinfo.h"
 #include "TesselPage/Structure/tessel_sobj.h"
 #include "TesselPage/Structure/tessel_sourcebuffer.h"
+#include "TesselPage/tessel_desttd.h"
 #include "TesselPage/tessel_types.h"
 
 namespace TESSEL {
 
 class CCatalog;
-
-/// Hash of an identity, for sets that are only asked.
-struct SObjHash {
-  std::size_t operator()(const SObj& object) const {
-    return static_cast<std::size_t>(object.objNum) * 0x9E3779B97F4A7C15ULL ^
-           static_cast<std::size_t>(object.genNum);
-  }
-};
 
 /// What the host asked for; a memory source takes these over from the real one.
 struct SourceSwitches {
@@ -108,7 +102,14 @@ class CSourFile : public std::istream {
   std::set<SObj> pieceFilteredObjs;  ///< not cleared between pages
   std::map<SDestObjKey, SDestInfo> destObjMap;
   std::set<SObj> actionObjs;    ///< objects with an action
+  DestLookup destLookup;        ///< what a destination's target is looked up in; for the source's whole life
   std::set<SObj> documentObjs;  ///< reached by the form and name readers
+
+  /// Looks a named destination up in the name tree of the catalog's /Dests (ISO 32000-2, 12.3.2.4), which is
+  /// known from the first harvest on. Every node of the tree is read once. The position is kept.
+  /// @param[out] destination  page and view; style 2 and page 0 when there is no such name
+  /// @return false for an empty name
+  bool getNameDest(const std::string& name, DestTD& destination);
 
   /// Enters an object into pageObjects as it stands; one already there keeps its flags.
   /// @return whether it is new
