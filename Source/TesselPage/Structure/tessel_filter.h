@@ -8,7 +8,8 @@
 
 namespace TESSEL {
 
-/// A stream's filter chain (ISO 32000-2, 7.4): reads /Filter and /DecodeParms and decodes through the graphic service.
+/// A stream's filter chain (ISO 32000-2, 7.4): reads /Filter and /DecodeParms and decodes through the graphic
+/// service.
 class CFilter {
  public:
   using FilterPropTD = KelpGraphicService_NS::FilterPropTD;
@@ -28,7 +29,8 @@ class CFilter {
   /// Cuts `data` to `length` bytes and runs the chain on it; on success `length` is the new size.
   /// @return as filterStream
   int filterStreamType(std::string& data, int& length);
-  /// Runs the chain. With an empty chain `data` and `out` stay as they are; otherwise both end up with the decoded bytes.
+  /// Runs the chain. With an empty chain `data` and `out` stay as they are; otherwise both end up with the
+  /// decoded bytes.
   /// @return 0; 5000 when the service found the data damaged; else the service's own code
   int filterStream(std::string& data, std::string& out);
 
@@ -36,6 +38,11 @@ class CFilter {
 
  protected:
   std::map<int, FilterPropTD> chain;  ///< by place in the chain, from 0
+
+ private:
+  bool readArray(std::istream& in, FilterPropTD& properties);
+  bool readSingle(std::istream& in, const std::string& name, FilterPropTD& properties, long long startPos);
+  int runChain(std::string& data, std::string* out);
 };
 
 }  // namespace TESSEL
