@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "TesselPage/Model/tessel_lengthkey.h"
 #include "TesselPage/Model/tessel_pageobj.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/Syntax/tessel_spancopier.h"
@@ -15,7 +16,7 @@ constexpr const char* nullValue = " null ";
 class PageObjectCopier {
  public:
   PageObjectCopier(CDestFile& target, CSourFile& source, const SObj& id)
-      : dest(target), copier(target, source, id) {}
+      : dest(target), copier(target, source, id), length(copier) {}
 
   bool run() {
     while (copier.good() && !ended) {
@@ -34,10 +35,7 @@ class PageObjectCopier {
   }
 
   void onReference() {
-    if (copier.word() == nmLength) {
-      lengthDone = true;
-      return copier.leaveHole();
-    }
+    if (copier.word() == nmLength) return length.onReference();
     copier.copyToLast();
     const bool cutWithKey = copier.word() == nmAnnots || copier.word() == nmContents;
     // A reference behind /MediaBox or /CropBox stays behind without its key.
@@ -56,8 +54,8 @@ class PageObjectCopier {
   /// False when a /Length can't be read.
   bool onWord() {
     copier.readWord();
-    if (copier.word() == nmLength) return onLength();
-    if (copier.previous() == nmLength) onLengthValue();
+    if (copier.word() == nmLength) return length.onKey();
+    if (copier.previous() == nmLength) length.onValue();
     if (isCutKey(copier.word())) {
       copier.cutWord();
     } else if (isCutKey(copier.previous()) && copier.word() == "[") {
@@ -70,27 +68,9 @@ class PageObjectCopier {
     return true;
   }
 
-  /// A second /Length goes with its value.
-  bool onLength() {
-    if (!copier.readLength()) return false;
-    if (lengthDone) {
-      copier.copyToWord();
-      copier.moveHere();
-      copier.cut();
-    } else {
-      copier.rewind();
-    }
-    return true;
-  }
-
-  void onLengthValue() {
-    if (!lengthDone && !copier.wordBeginsReference()) copier.markHole();
-    lengthDone = true;
-  }
-
   CDestFile& dest;
   SpanCopier copier;
-  bool lengthDone = false;
+  LengthKey length;
   bool ended = false;
 };
 

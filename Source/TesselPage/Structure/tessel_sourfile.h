@@ -103,6 +103,7 @@ class CSourFile : public std::istream {
   std::map<SDestObjKey, SDestInfo> destObjMap;
   std::set<SObj> actionObjs;    ///< objects with an action
   DestLookup destLookup;        ///< what a destination's target is looked up in; for the source's whole life
+  long long indirectNumbers = 0;  ///< that annotations took from arrays behind references; they are bounded
   std::set<SObj> documentObjs;  ///< reached by the form and name readers
 
   /// Looks a named destination up in the name tree of the catalog's /Dests (ISO 32000-2, 12.3.2.4), which is

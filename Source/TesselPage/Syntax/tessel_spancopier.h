@@ -44,6 +44,8 @@ class SpanCopier {
   void copyToLast() { copyTo(lastEndPlace); }
   /// Copies up to the present word's first byte.
   void copyToWord() { copyTo(herePlace - static_cast<long long>(present.size())); }
+  /// Copies up to the previous word's first byte. Requires: nothing was taken between the two words.
+  void copyToPrevious() { copyTo(lastEndPlace - static_cast<long long>(former.size())); }
   /// Copies up to and with the present word.
   void copyThrough() { copyTo(herePlace); }
   /// All up to the present place counts as dealt with.
@@ -54,6 +56,8 @@ class SpanCopier {
   void cutThrough(std::string_view closing);
   /// Takes over the place to which the source was moved from outside.
   void moveHere() { herePlace = place(); }
+  /// Puts the source in front of the present word.
+  void rewindToWord() { source.seekg(herePlace - static_cast<long long>(present.size())); }
   /// Puts the source back behind the present word or reference.
   void rewind() { source.seekg(herePlace); }
 
