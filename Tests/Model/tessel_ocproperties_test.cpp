@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "TesselPage/Syntax/tessel_token.h"
 #include "TesselPage/Writer/tessel_destfile.h"
 #include "Tests/Model/model_verbs.h"
 
@@ -16,7 +17,7 @@ namespace {
 /// Reads the value of one key of "/D" in a source without a document.
 struct Configuration {
   explicit Configuration(const std::string& entries)
-      : source("<<" + entries + ">> /Next"), read(properties.ReadD(source)) {}
+      : source("<<" + entries + ">> /Next "), read(properties.ReadD(source)) {}
 
   CSourFile source;
   COCProperties properties;
@@ -119,14 +120,14 @@ TEST(OptionalContent, ReadsTheDefaultConfigurationAlone) {
 }
 
 TEST(OptionalContent, ReadTellsWhetherTheStreamIsGood) {
-  CSourFile whole("<</D<</OFF[1 0 R]>>>> /Next");
+  CSourFile whole("<</D<</OFF[1 0 R]>>>> /Next ");
   EXPECT_TRUE(COCProperties().Read(whole));
   CSourFile cut("<</D<</OFF[1 0 R]>>");
   EXPECT_FALSE(COCProperties().Read(cut));
 }
 
 TEST(OptionalContent, UnreadableConfigurationDoesNotEndTheDictionaryEarly) {
-  CSourFile source("<</D<</Order[[/Bad]]/ON[]>>/Configs[]>> /Next");
+  CSourFile source("<</D<</Order[[/Bad]]/ON[]>>/Configs[]>> /Next ");
   EXPECT_TRUE(COCProperties().Read(source));
   std::string next;
   source >> next;

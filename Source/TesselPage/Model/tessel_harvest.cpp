@@ -10,7 +10,7 @@ namespace TESSEL {
 bool endsObject(const std::string& token) { return token == kwendobj || token == kwstream; }
 
 bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token, StringsSkipped which) {
-  const bool literal = token == "(";
+  const bool literal = token == "(" && which != StringsSkipped::none;
   const bool hexadecimal = token == "<" && which == StringsSkipped::both;
   if (literal || hexadecimal) skipString(source, owner, token.front());
   return literal || hexadecimal;

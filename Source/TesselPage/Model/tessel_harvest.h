@@ -29,8 +29,8 @@ class IdentityGuard {
 /// A token that ends the dictionary of an object: "endobj" or "stream".
 bool endsObject(const std::string& token);
 
-/// Which strings a scan over a harvested object steps over.
-enum class StringsSkipped { literalOnly, both };
+/// Which strings a scan over an object steps over; the bytes of any other are taken for tokens.
+enum class StringsSkipped { none, literalOnly, both };
 
 /// Skips the string that `token` opens. False when it opens none.
 bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token, StringsSkipped which);

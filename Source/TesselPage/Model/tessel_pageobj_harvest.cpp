@@ -1,7 +1,6 @@
 #include <list>
 #include <memory>
 #include <set>
-#include <string>
 #include <vector>
 
 #include "TesselPage/Model/tessel_harvest.h"
@@ -25,21 +24,6 @@ bool opensArray(CSourFile& body) {
   char byte = 0;
   readByte(body, byte);
   return byte == '[';
-}
-
-/// Calls `take` for each reference up to "endobj" or "stream"; strings count as tokens here.
-template <class Take>
-void forEachMember(CSourFile& body, Take take) {
-  std::string token;
-  SObj ref;
-  while (body.good()) {
-    if (tryReference(body, ref)) {
-      take(ref);
-      continue;
-    }
-    body >> token;
-    if (endsObject(token)) return;
-  }
 }
 
 /// What a climb learns of the node. Only a /Pages node is kept: reading any other changes the source's
@@ -70,7 +54,7 @@ bool CPage::ReadTree(CSourFile& source, const SObj& start, std::set<SObj>& seen,
     CSourFile* body = ParseObj(source, memory, id);
     if (!body) return false;
     if (!opensArray(*body)) return true;
-    forEachMember(*body, [&](const SObj& ref) {
+    forEachReference(*body, id, StringsSkipped::none, [&](const SObj& ref) {
       if (!seen.insert(ref).second) return;
       if (found) found->push_back(ref);
       waiting.push_back(ref);
