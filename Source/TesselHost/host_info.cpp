@@ -34,12 +34,24 @@ struct PageFacts {
   friend bool operator==(const PageFacts&, const PageFacts&) = default;
 };
 
+/// Without an entry of its own a box is the crop box, and the crop box the media box (ISO 32000-2, 14.11.2).
+std::size_t usualBox(std::size_t box) {
+  return box == CTesselPage::cropBox ? CTesselPage::mediaBox : CTesselPage::cropBox;
+}
+
+/// The library leaves boxes that a page hasn't at 0.
+void fillBoxes(PageFacts& facts) {
+  for (std::size_t i = CTesselPage::cropBox; i < facts.boxes.size(); ++i)
+    if (facts.boxes[i] == RectTD{}) facts.boxes[i] = facts.boxes[usualBox(i)];
+}
+
 PageFacts factsOf(const CTesselPage& reader, int page) {
   PageFacts facts;
   for (std::size_t i = 0; i < boxNames.size(); ++i) {
     RectTD& box = facts.boxes[i];
     reader.getPageBox(page, static_cast<CTesselPage::EBox>(i), box.left, box.bottom, box.right, box.top);
   }
+  fillBoxes(facts);
   facts.sizeResult = reader.getPageSize(page, facts.width, facts.height, CTesselPage::visibleBox);
   reader.getPageRotate(page, facts.rotate);
   return facts;
@@ -52,7 +64,7 @@ std::string boxText(const RectTD& box) {
                      numberText(box.top));
 }
 
-/// The boxes, each one that is the same as the one before it left out.
+/// The boxes that are not what they would be without an entry of their own.
 std::string boxesText(const PageFacts& facts) {
   std::string text;
   for (std::size_t i = 0; i < boxNames.size(); ++i) {

@@ -1,0 +1,127 @@
+#include <gmock/gmock.h>
+
+#include "Tests/Support/pdf_builder.h"
+#include "Tests/Support/road.h"
+
+namespace tessel_test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+std::string aPage() { return pdf().onePage("/MediaBox[0 0 100 100]").build(); }
+
+/// A page whose content is too long for the small files that a test allows, and doesn't get smaller.
+std::string bigPage() {
+  std::string noise;
+  unsigned state = 1;
+  for (int i = 0; i < 400'000; ++i) {
+    state = state * 1664525U + 1013904223U;
+    noise += static_cast<char>(state >> 24U);
+  }
+  return pdf().onePage("/MediaBox[0 0 100 100]/Contents 4 0 R").stream(4, {}, noise).build();
+}
+
+class Usage : public RoadTest {};
+
+TEST_F(Usage, TellsItsVersion) {
+  const Outcome outcome = tessel({"--version"});
+  EXPECT_EQ(outcome.status, 0);
+  EXPECT_THAT(outcome.out, HasSubstr("tessel 0."));
+}
+
+TEST_F(Usage, HelpsWithEveryCommand) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--help"}, {"nup", "--help"}, {"info", "--help"}, {"dump", "--help"}}) {
+    const Outcome outcome = tessel(arguments);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_THAT(outcome.out, HasSubstr("Usage: "));
+  }
+}
+
+class WrongUsage : public RoadTest, public testing::WithParamInterface<const char*> {};
+
+TEST_P(WrongUsage, IsStatus2AndOneLine) {
+  file("in.pdf", aPage());
+  const Outcome outcome = shell(quoted(TESSEL_TOOL) + " " + GetParam());
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_THAT(outcome.err, testing::MatchesRegex("tessel: [^\n]+\n"));
+  EXPECT_THAT(files(), ElementsAre("in.pdf"));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, WrongUsage,
+    testing::Values("", "fly in.pdf", "info", "info in.pdf --loud", "dump", "dump in.pdf --start 0",
+                    "dump in.pdf --start x", "dump in.pdf --pages 0", "nup in.pdf", "nup in.pdf -o out.pdf",
+                    "nup -o out.pdf --grid 1x1", "nup in.pdf -o out.pdf --grid 0x1",
+                    "nup in.pdf -o out.pdf --grid 2by2", "nup in.pdf -o out.pdf --grid 1x1 --paper A99",
+                    "nup in.pdf -o out.pdf --grid 1x1 --pages 3-x",
+                    "nup in.pdf -o out.pdf --grid 1x1 --margin -3",
+                    "nup in.pdf -o out.pdf --grid 1x1 --gutter 3px", "nup in.pdf -o in.pdf --grid 1x1",
+                    "nup in.pdf -o ./in.pdf --grid 1x1"));
+
+TEST_F(Usage, AMissingSourceIsStatus1AndOneLine) {
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{"info", "no.pdf"},
+                                                    {"dump", "no.pdf"},
+                                                    {"nup", "no.pdf", "-o", "out.pdf", "--grid", "1x1"}}) {
+    const Outcome outcome = tessel(arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "tessel: no.pdf: not a readable PDF (1000)\n");
+  }
+}
+
+TEST_F(Usage, OneBadSourceOfSeveralLeavesNoOutput) {
+  file("good.pdf", aPage());
+  file("bad.pdf", "this is no PDF");
+  const Outcome outcome = tessel({"nup", "good.pdf", "bad.pdf", "-o", "out.pdf", "--grid", "2x1"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "tessel: bad.pdf: not a readable PDF (1000)\n");
+  EXPECT_THAT(files(), ElementsAre("bad.pdf", "good.pdf"));
+}
+
+TEST_F(Usage, AnOldOutputStaysWhenASourceIsBad) {
+  file("bad.pdf", "this is no PDF");
+  file("out.pdf", "the old one");
+  EXPECT_EQ(tessel({"nup", "bad.pdf", "-o", "out.pdf", "--grid", "1x1"}).status, 1);
+  EXPECT_EQ(contentOf("out.pdf"), "the old one");
+}
+
+TEST_F(Usage, NoPageToPlaceIsStatus1) {
+  file("in.pdf", aPage());
+  const Outcome outcome = tessel({"nup", "in.pdf", "-o", "out.pdf", "--grid", "1x1", "--pages", "7-"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "tessel: in.pdf: no page to place\n");
+  EXPECT_THAT(files(), ElementsAre("in.pdf"));
+}
+
+TEST_F(Usage, AnOutputThatCanNotBeMadeIsStatus1) {
+  file("in.pdf", aPage());
+  const Outcome outcome = tessel({"nup", "in.pdf", "-o", "missing/out.pdf", "--grid", "1x1"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "tessel: missing/out.pdf: can't be written: No such file or directory\n");
+}
+
+TEST_F(Usage, ADiskThatFillsUpLeavesNoHalfFile) {
+  file("in.pdf", bigPage());
+  const Outcome outcome = shell("ulimit -f 64; " + quoted(TESSEL_TOOL) + " nup in.pdf -o out.pdf --grid 1x1");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "tessel: out.pdf: can't be written: File too large\n");
+  EXPECT_THAT(files(), ElementsAre("in.pdf"));
+}
+
+TEST_F(Usage, AFullDeviceIsReported) {
+  file("in.pdf", aPage());
+  const Outcome outcome = tessel({"nup", "in.pdf", "-o", "/dev/full", "--grid", "1x1"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "tessel: /dev/full: can't be written: No space left on device\n");
+}
+
+TEST_F(Usage, APipeThatClosesIsReported) {
+  file("in.pdf", bigPage());
+  const Outcome outcome =
+      shell("{ " + quoted(TESSEL_TOOL) + " dump in.pdf; echo status $? >&2; } | head -c 10 >/dev/null");
+  EXPECT_EQ(outcome.err, "tessel: standard output: can't be written: Broken pipe\nstatus 1\n");
+}
+
+}  // namespace
+}  // namespace tessel_test
