@@ -47,8 +47,8 @@ floor_of() {
     Source/PDFEncryption/* | Source/Kelp*) echo 0 ;;
     # Headers that know of no object, so that every floor may speak of what they declare.
     Source/TesselPage/Structure/tessel_@(sobj|objflags|filter).h) echo 1 ;;
-    Source/TesselPage/Security/*) echo 2 ;;
-    Source/TesselPage/Syntax/*) echo 3 ;;
+    # The encryption dictionary is an object, and objects decrypt what they read.
+    Source/TesselPage/@(Security|Syntax)/*) echo 3 ;;
     Source/TesselPage/Structure/*) echo 4 ;;
     Source/TesselPage/Writer/*) echo 5 ;;
     Source/TesselPage/Model/*) echo 6 ;;
@@ -67,6 +67,7 @@ circle() {
     *.h:*) return 1 ;;
     Source/TesselPage/S*:Source/TesselPage/Structure/tessel_*) return 0 ;;
     Source/TesselPage/S*:Source/TesselPage/Writer/tessel_destfile.h) return 0 ;;
+    Source/TesselPage/Security/*:Source/TesselPage/Model/tessel_keyscan.h) return 0 ;;
     Source/TesselPage/Structure/*:Source/TesselPage/Model/*) return 0 ;;
     *) return 1 ;;
   esac

@@ -88,8 +88,7 @@ bool CFileInfo::Read(CSourFile& source) {
   const bool foundInFile = !findInTail(source) && findInFile(source) > 0;
   filePositions.push_back(source.tellg());
   if (const auto start = readStart(source, fileEnd, foundInFile)) walkChain(source, *start);
-  readInfo(source);
-  return true;
+  return !readInfo(source) || readSecurity(source);
 }
 
 void CFileInfo::walkChain(CSourFile& source, long long start) {
@@ -114,15 +113,28 @@ bool CFileInfo::readRevision(CSourFile& source, long long& next) {
   return ReadXRefObj(source, next, false);
 }
 
-void CFileInfo::readInfo(CSourFile& source) {
-  if (info.id.objNum < 1) return;
+/// False when the table has no entry of the /Info object, which ends the read.
+bool CFileInfo::readInfo(CSourFile& source) {
+  if (info.id.objNum < 1) return true;
   const SObjState* entry = find(info.id);
-  if (!entry) return;
+  if (!entry) return false;
   if (entry->inObjectStream())
     info.typeFlags |= foundByTable;
   else
     source.seekg(entry->entryOffset);
   info.fromStream(source);
+  return true;
+}
+
+/// The /Encrypt dictionary, unless it was direct in a trailer, and the file key.
+bool CFileInfo::readSecurity(CSourFile& source) {
+  if (encrypt.id.objNum >= 1) {
+    encrypt.accessState = CEncrypt::openedByEmptyPassword;
+    source.seekg(GetObjState(encrypt.id).entryOffset);
+    encrypt.fromStream(source);
+  }
+  if (encrypt.R < 1) return true;
+  return encrypt.filterName == nmStandard && encrypt.findFileKey(fileId.first);
 }
 
 const SObjState* CFileInfo::find(const SObj& object) const {

@@ -80,7 +80,8 @@ class CFileInfo : public CObj {
   void walkChain(CSourFile& source, long long start);
   bool readRevision(CSourFile& source, long long& next);
   bool readSubsection(CSourFile& source, int first, int count);
-  void readInfo(CSourFile& source);
+  bool readInfo(CSourFile& source);
+  bool readSecurity(CSourFile& source);
   const SObjState* find(const SObj& object) const;
 
   XRefBudget budget;

@@ -5,6 +5,7 @@
 #include "TesselPage/Structure/tessel_fileinfo.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/Structure/tessel_xrefparts.h"
+#include "TesselPage/Syntax/tessel_comments.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/Syntax/tessel_positionguard.h"
 #include "TesselPage/Syntax/tessel_string.h"
@@ -67,24 +68,12 @@ bool findXRefStm(CSourFile& source, long long& offset) {
   }
 }
 
-/// Steps over a dictionary, its "<<" being read.
-void skipDictionary(CSourFile& source) {
-  std::string token;
-  for (int depth = 1; depth > 0 && source.good();) {
-    source >> token;
-    if (token == dictOpen) ++depth;
-    if (token == dictClose) --depth;
-    if (opensString(token)) skipString(source, SObj(), token.front());
-  }
-}
-
-/// Reads on while the token is a comment's "%".
+/// Reads on when the token is a comment's "%".
 void skipComments(CSourFile& source, std::string& token) {
-  while (token == commentSign && source.good()) {
-    char c = 0;
-    while (source.get(c) && c != '\r' && c != '\n') continue;
-    source >> token;
-  }
+  if (token != commentSign) return;
+  source.unget();
+  source.putback(readPastComments(source));
+  source >> token;
 }
 
 /// The keys of a trailer dictionary, at any depth.
@@ -147,9 +136,13 @@ Turn TrailerScan::readEncrypt() {
     return Turn::goOn;
   }
   source.clear();
+  const std::streampos place = source.tellg();
   std::string token;
   source >> token;
-  if (token == dictOpen) skipDictionary(source);
+  if (token != dictOpen) return Turn::goOn;
+  source.seekg(place);
+  info.encrypt.accessState = CEncrypt::openedByEmptyPassword;
+  info.encrypt.Read(source);
   return Turn::goOn;
 }
 
@@ -267,6 +260,7 @@ namespace {
 std::string readIdString(CSourFile& source, const std::string& opener) {
   CStringType text{SObj()};
   text.hexadecimal = opener == "<";
+  text.noDecrypt = true;  // the trailer is never encrypted, nor read again with a key in use
   text.Read(source);
   return text.value.substr(0, CFileID::maxLength);
 }

@@ -185,7 +185,7 @@ Turn XRefStreamScan::readId() {
 }
 
 Turn XRefStreamScan::readData() {
-  stream.ofEncryptDictionary = stream.identity() == info.encrypt.id;
+  stream.ofEncryptDictionary = true;  // a cross-reference stream is never encrypted
   stream.Read(source);
   std::string data = stream.takeData();
   if (stream.filterStreamType(data, stream.length) != 0) return Turn::failure;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <istream>
 
+#include "TesselPage/Security/tessel_encryptbridge.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/Syntax/tessel_bytecursor.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
@@ -173,18 +174,34 @@ bool CStreamType::Read(CSourFile& source) {
     repairLength(bytes, token, complete);
   }
   body = bytes.view();
+  if (source.fileInfo.encrypt.activeForReading() && !ofEncryptDictionary) decrypt(source.fileInfo.encrypt);
   length = static_cast<int>(body.size());
   source.setf(std::ios_base::skipws);
   return source.good();
 }
 
+/// A view into the file becomes an own copy first.
+void CStreamType::decrypt(const CEncrypt& encrypt) {
+  if (body.empty()) return;
+  if (body.data() != owned.data()) owned.assign(body);
+  DecryptString(encrypt, &id, owned);
+  body = owned;
+}
+
 bool CStreamType::Write(CDestFile& dest, CSourFile&, long long lengthPos, long long lengthWidth) {
   dest.append(kw_r_n);
+  body = body.substr(0, static_cast<std::size_t>(std::max(length, 0)));
+  std::string encrypted;
+  if (dest.encrypts() && length != 0) {
+    encrypted = body;
+    encryptString(dest.encrypt, &dest.currentObject, encrypted);
+    length = static_cast<int>(encrypted.size());
+  }
   if (lengthWidth >= 1) {
     const std::string value = ' ' + std::to_string(length) + ' ';
     dest.replace(static_cast<std::size_t>(lengthPos), static_cast<std::size_t>(lengthWidth), value);
   }
-  dest.append(body.substr(0, static_cast<std::size_t>(std::max(length, 0))));
+  dest.append(encrypted.empty() ? body : encrypted);
   return true;
 }
 

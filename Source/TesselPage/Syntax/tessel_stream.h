@@ -8,6 +8,8 @@
 
 namespace TESSEL {
 
+class CEncrypt;
+
 /// Carries a stream's /Length.
 class CLength : public CObj {
  public:
@@ -47,6 +49,8 @@ class CStreamType : virtual public CLength, virtual public CFilter {
   bool ofEncryptDictionary = false;  ///< the body isn't decrypted
 
  private:
+  void decrypt(const CEncrypt& encrypt);
+
   std::string_view body;
   std::string owned;
 };

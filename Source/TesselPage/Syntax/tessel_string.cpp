@@ -5,6 +5,7 @@
 #include <cmath>
 #include <istream>
 
+#include "TesselPage/Security/tessel_encryptbridge.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/Syntax/tessel_bytecursor.h"
 #include "TesselPage/Writer/tessel_destfile.h"
@@ -144,6 +145,8 @@ bool CStringType::Read(CSourFile& source) {
     value.clear();
     readLiteralBody(source, [this](char byte) { value.push_back(byte); });
   }
+  const CEncrypt& encrypt = source.fileInfo.encrypt;
+  if (encrypt.activeForReading() && !value.empty() && !noDecrypt) DecryptString(encrypt, &id, value);
   length = static_cast<int>(value.size());
   source.setf(std::ios_base::skipws);
   return source.good();
@@ -156,6 +159,8 @@ bool CStringType::RedHexString(std::istream& in) {
 }
 
 bool CStringType::Write(CDestFile& dest, CSourFile&) {
+  if (dest.encrypts() && !value.empty() && !noEncrypt) encryptString(dest.encrypt, &dest.currentObject, value);
+  length = static_cast<int>(value.size());
   WrtBody(dest);
   return true;
 }

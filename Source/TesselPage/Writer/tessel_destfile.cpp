@@ -36,6 +36,13 @@ const SObj* CDestFile::findNewObj(const SObj& object, int index) const {
   return index == 0 && fallback ? fallback->find(object) : nullptr;
 }
 
+void CDestFile::RecordObjInfo(const SObj& id) {
+  SObjState& entry = objEntries[id];
+  entry.entryOffset = static_cast<long long>(endMark) - static_cast<long long>(start);
+  entry.entryType = static_cast<unsigned char>(EntryType::atOffset);
+  entry.entryFlag = 'n';
+}
+
 CSourFile* CDestFile::GetSourFile(int file) const {
   const auto place = files.find(file);
   return place == files.end() ? nullptr : place->second;

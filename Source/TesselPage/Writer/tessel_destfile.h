@@ -59,16 +59,25 @@ class CDestFile : public Facade_stringstream {
   /// Lets look-ups with index 0 of the current file fall back on `source`, which isn't owned. Null: none.
   void setNumberSource(const NumberSource* source) { fallback = source; }
 
+  /// Notes where the object about to be written begins: behind the last "endobj", counted from the start.
+  void RecordObjInfo(const SObj& id);
+
   /// The source of the current file, or of that number; null when there is none.
   CSourFile* GetSourFile() const { return GetSourFile(currentFile); }
   CSourFile* GetSourFile(int file) const;
 
+  std::string header;       ///< version literal, the highest of the sources
+  /// Whether the strings and the stream of the object being written are encrypted.
+  bool encrypts() const { return encrypt.activeForWriting() && currentObject.objNum >= 1; }
+
   bool rawFlag = false;     ///< references are copied as they stand
   int currentFile = 0;      ///< number of the source whose objects are being written
+  std::size_t start = 0;    ///< buffer size that counts as offset 0
   std::size_t endMark = 0;  ///< buffer size behind the last "endobj"
   SObj currentObject;  ///< the object being written: the key for encryption; number 0: nothing is encrypted
   CEncrypt encrypt;    ///< the output's settings
-  std::map<int, CSourFile*> files;  ///< not owned
+  std::map<int, CSourFile*> files;       ///< not owned
+  std::map<SObj, SObjState> objEntries;  ///< of the objects that were written with RecordObjInfo
 
  private:
   std::map<NewObjTable, SObj> newNumbers;
