@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "TesselPage/tessel_desttd.h"
+#include "TesselPage/tessel_enables.h"
 #include "TesselPage/tessel_types.h"
 
 namespace TESSEL {
@@ -17,25 +18,25 @@ struct PageState;
 /// What the integer results of the interface mean.
 namespace Result {
 inline constexpr int success = 0;
-inline constexpr int passwordNotTried = 1;    ///< longer than 32 bytes, or the encryption uses no password
-inline constexpr int notProtected = 8;        ///< the source needs no password, so nothing was done
-inline constexpr int notReadable = 1000;      ///< not a readable PDF
-inline constexpr int xrefNotReadable = 1001;  ///< the cross-reference data could not be read
-inline constexpr int badRange = 1006;         ///< a range text or a box is not valid
-inline constexpr int wrongPassword = 3001;    ///< no password or key opens the file
-inline constexpr int damagedData = 5000;      ///< a stream's data is damaged
-inline constexpr int exceptionCaught = 6000;  ///< a std::exception reached the interface
-inline constexpr int pageOutOfRange = 8000;   ///< page number out of range, or a page without a usable size
-inline constexpr int objectNotWritten = 8001; ///< a needed object of the document could not be written out
-inline constexpr int badKeyLength = 8003;     ///< key length not from 5 to 32 bytes
+inline constexpr int passwordNotTried = 1;     ///< longer than 32 bytes, or the encryption uses no password
+inline constexpr int notProtected = 8;         ///< the source needs no password, so nothing was done
+inline constexpr int notReadable = 1000;       ///< not a readable PDF
+inline constexpr int xrefNotReadable = 1001;   ///< the cross-reference data could not be read
+inline constexpr int badRange = 1006;          ///< a range text or a box is not valid
+inline constexpr int wrongPassword = 3001;     ///< no password or key opens the file
+inline constexpr int damagedData = 5000;       ///< a stream's data is damaged
+inline constexpr int exceptionCaught = 6000;   ///< a std::exception reached the interface
+inline constexpr int pageOutOfRange = 8000;    ///< page number out of range, or a page without a usable size
+inline constexpr int objectNotWritten = 8001;  ///< a needed object of the document could not be written out
+inline constexpr int badKeyLength = 8003;      ///< key length not from 5 to 32 bytes
 }  // namespace Result
 
 /// Pages of one source PDF, for a host that places them into the PDF that it is writing.
 ///
-/// The class is a map from object identity, in the host's numbering, to object text: after a page has been selected and
-/// setStartObjNo has run, it holds every object that the page needs and that an earlier page hasn't brought. A text is what
-/// stands between "obj" and "endobj"; the host writes both words around it. An empty text stands for an object that
-/// could not be written: its number stays used.
+/// The class is a map from object identity, in the host's numbering, to object text: after a page has been
+/// selected and setStartObjNo has run, it holds every object that the page needs and that an earlier page
+/// hasn't brought. A text is what stands between "obj" and "endobj"; the host writes both words around it. An
+/// empty text stands for an object that could not be written: its number stays used.
 ///
 /// Order of calls: construct; init; then for each page setPageNo, setOld2NewObjectVector and setStreamObjMap,
 /// setStartObjNo, the getters, the walk over the map.
@@ -43,9 +44,10 @@ inline constexpr int badKeyLength = 8003;     ///< key length not from 5 to 32 b
 /// Threads: one object is used by one thread at a time; distinct objects on distinct streams share nothing.
 class CTesselPage : public std::map<std::pair<int, int>, std::string> {
  public:
-  using Identity = std::pair<int, int>;                      ///< object number and generation
-  using IdentityPair = std::pair<Identity, Identity>;        ///< old identity, new identity
-  using StreamObjMap = std::map<std::string, Identity>;      ///< digest of a stream object to its identity in the output
+  using Identity = std::pair<int, int>;                ///< object number and generation
+  using IdentityPair = std::pair<Identity, Identity>;  ///< old identity, new identity
+  using StreamObjMap =
+      std::map<std::string, Identity>;  ///< digest of a stream object to its identity in the output
 
   /// Page boxes (ISO 32000-2, 14.11.2); `visible` is the crop box cut to the media box.
   enum EBox { mediaBox = 0, cropBox = 1, bleedBox = 2, trimBox = 3, artBox = 4, visibleBox = 5 };
@@ -61,8 +63,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// Opens the source: header, cross-reference data, catalog, page tree. Must be the first call.
   /// @return 0, 1000, 1001, 6000 or 8001; anything but 0 ends the use of the object
   int init();
-  /// Selects a page, counted from 1, and reads what it needs; the map is emptied. The page that is selected already stays
-  /// as it is, with its map.
+  /// Selects a page, counted from 1, and reads what it needs; the map is emptied. The page that is selected
+  /// already stays as it is, with its map.
   /// @return 0; 8000 out of range (the number counts as selected); 1000 a damaged page; 6000
   int setPageNo(int pageNo);
 
@@ -72,7 +74,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   std::vector<IdentityPair> getOld2NewObjectVector() const;
   /// Objects that the output has already; merged by the next setStartObjNo, where a pair known earlier stays.
   void setOld2NewObjectVector(const std::vector<IdentityPair>& pairs);
-  /// The host's table of stream digests, which the library only looks up; not owned. Null turns the sharing off.
+  /// The host's table of stream digests, which the library only looks up; not owned. Null turns the sharing
+  /// off.
   void setStreamObjMap(StreamObjMap* map);
   /// The host's page object, for the annotations.
   void setCurPageObj(int num, int gen);
@@ -80,11 +83,13 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   static int next(iterator& it);
   static int next(const_iterator& it);
 
-  /// Beyond the interface as it stands, read only: the pairs that the last setStartObjNo added to the harvest. A host that
-  /// hands these to setOld2NewObjectVector before the next page, in place of the growing whole, pays only for what is new.
+  /// Beyond the interface as it stands, read only: the pairs that the last setStartObjNo added to the
+  /// harvest. A host that hands these to setOld2NewObjectVector before the next page, in place of the growing
+  /// whole, pays only for what is new.
   const std::vector<IdentityPair>& getNewObjectPairs() const;
-  /// Beyond the interface as it stands, read only: the digest of the plain text of the shareable stream that the last
-  /// setStartObjNo put into the map under `object`, as isStreamObj would give it; empty when it isn't one.
+  /// Beyond the interface as it stands, read only: the digest of the plain text of the shareable stream that
+  /// the last setStartObjNo put into the map under `object`, as isStreamObj would give it; empty when it
+  /// isn't one.
   std::string getStreamDigest(const Identity& object) const;
 
   /// Whether `text`, an object's body, is a stream that may be shared, and then its digest of 16 bytes (MD5).
@@ -95,13 +100,15 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   void refObjFilt(iterator it);
   /// Whether the entry's strings are to be left as they are.
   bool check(iterator it);
-  /// The text with its strings in the clear; unchanged as long as strings aren't restorable, which nothing switches on.
+  /// The text with its strings in the clear; unchanged as long as strings aren't restorable, which nothing
+  /// switches on.
   std::string decryptObject(const std::string& text, int num, int gen) const;
   /// Bytes of the entry's stream data, line ends behind it not counted; 0 when it has none.
   int calcStreamLength(const iterator& it) const;
-  /// The place of the entry's /Length value, through references: the text that holds it, the value's bounds, the entry.
-  /// The outputs stay as they are when there is none. Always 0.
-  int findLengthPos(const iterator& it, std::string** holder, char** valueBegin, char** valueEnd, iterator* holderIt);
+  /// The place of the entry's /Length value, through references: the text that holds it, the value's bounds,
+  /// the entry. The outputs stay as they are when there is none. Always 0.
+  int findLengthPos(const iterator& it, std::string** holder, char** valueBegin, char** valueEnd,
+                    iterator* holderIt);
   /// Undoes the escapes of a literal string; appended to `out`. False when parentheses don't balance.
   static bool unescapeStringObj(const std::string& in, std::string& out);
   /// Undoes "#xx" in a name; appended to `out`. Always true.
@@ -109,24 +116,63 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// Turns each "\/" into "/"; appended to `out`. Always true.
   static bool unescapeFilseSpecification(const std::string& in, std::string& out);
 
-  /// The page's content, decoded, each stream with one 0x0D behind it. The text stays valid until the next call.
+  /// The page's content, decoded, each stream with one 0x0D behind it. The text stays valid until the next
+  /// call.
   /// @return 0, or the filter service's code, and `*out` is then left alone
   int getPageContents(const std::string** out);
   /// The page's resource dictionary in the harvest's numbering; "<< >>" when there is none.
-  /// @param pageObjNo  number of the page's own object in the output, 0 when it has none: then nothing is inherited
+  /// @param pageObjNo  number of the page's own object in the output, 0 when it has none: then nothing is
+  /// inherited
   /// @return 0; 8001 when an indirect dictionary can't be written, and `*out` is then left alone
   int getPageRes(const std::string** out, int pageObjNo);
-  /// Text of the page's dictionary, followed by those of its ancestors up to one with /Resources when `pageObjNo` isn't 0.
+  /// Text of the page's dictionary, followed by those of its ancestors up to one with /Resources when
+  /// `pageObjNo` isn't 0.
   std::string getPageRootString(int pageObjNo) const;
   /// Value of the page's /Group, as getPageRes last found it.
   const std::string& getPageGroup() const;
-  /// Beyond the interface as it stands, read only: the page's only content stream as it is stored (decrypted), with its filter
-  /// entries as text such as "/Filter /FlateDecode"; for a host that would only pack the decoded content again.
-  /// @return false when there isn't exactly one content stream, it can't be read, or a filter entry is a reference
+  /// Beyond the interface as it stands, read only: the page's only content stream as it is stored
+  /// (decrypted), with its filter entries as text such as "/Filter /FlateDecode"; for a host that would only
+  /// pack the decoded content again.
+  /// @return false when there isn't exactly one content stream, it can't be read, or a filter entry is a
+  /// reference
   bool getStoredContents(std::string& data, std::string& filterEntries) const;
+
+  /// Where the host puts the page; the annotations' geometry goes through it. To be set before getPageAnnots
+  /// and, as annotations that are objects are written by it, before setStartObjNo. Always 0. Requires: init.
+  int setPageCm(const PgCmTD& cm);
+  /// Which annotations go with a page, by subtype. To be set before setPageNo. Requires: init.
+  void setAnnotsEnable(TESSEL_AnnotsEnableE enable);
+  /// Subtypes with their "/" that AnnotsEnableCustom stands for. To be set before setPageNo. Requires: init.
+  void setAnnotsCustomSubtype(const std::vector<std::string>& subtypes);
+  /// Which form fields go with a page, by field type. To be set before setPageNo. Requires: init.
+  void setAcroFormsEnable(TESSEL_AcroFormsEnableE enable);
+  /// The page's annotations in the harvest's numbering, moved by setPageCm: what stands within the brackets
+  /// of /Annots, references and dictionaries in a row; empty when there are none. An array destination is a
+  /// reference to the object that getDestVector tells of. The text stays valid until the next call.
+  /// @return 0; `*out` is left alone when an annotation can't be written or has no readable /Rect
+  int getPageAnnots(const std::string** out);
+  /// The entries of the source's form dictionary (ISO 32000-2, 12.7.3) in the harvest's numbering, without
+  /// its brackets; fields that no page has brought are missing from /Fields. The text stays valid until the
+  /// next call.
+  /// @param objNo  number of the object in the output that will hold the entries, 0 when there is none
+  /// @return 0; 8001 when the dictionary can't be written. `*out` is then left alone, and so when forms are
+  /// switched off
+  int getAcroFormFields(const std::string** out, int objNo);
 
   /// Text of the catalog in the harvest's numbering; `objNo` is its number in the output, 0 when it has none.
   std::string getRootString(int objNo) const;
+  /// The entries of the catalog's /Names in the harvest's numbering, without its brackets; empty when /Names
+  /// is no object of its own. The text stays valid until the next call.
+  /// @return 0; 8001 when the object can't be written, and `*out` is then left alone
+  int getNames(const std::string** out);
+  /// What the host has to write into each destination object that the page's annotations refer to, in the
+  /// order of their numbers; a name that leads nowhere has page 0. Named destinations resolve from the first
+  /// harvest on.
+  std::vector<DestTD> getDestVector() const;
+  /// The layers (optional content groups; ISO 32000-2, 8.11) that have reached the output so far: whether
+  /// each is on, as far as the source's default configuration tells, and its order, made flat. Adds to both;
+  /// what `shown` has already stays.
+  void getCatalogOCProperties(std::map<Identity, bool>& shown, std::vector<Identity>& order);
   /// The header literal, such as "%PDF-1.7".
   const std::string& getHeaderVersion() const;
 
@@ -136,7 +182,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// Size of the selected page in points, by the box option, rotation applied.
   /// @return 0, or 8000 when both values are below 1e-5 (they are stored all the same)
   int getPageSize(float& w, float& h) const;
-  /// Size of any page, counted from 1. Option 5 cuts the crop box to the media box, any other takes it as it is.
+  /// Size of any page, counted from 1. Option 5 cuts the crop box to the media box, any other takes it as it
+  /// is.
   int getPageSize(int page, float& w, float& h, EBox box) const;
   /// Origin and size of the selected page in points, by the box option, rotation not applied.
   int getPageSizeEx(float& x, float& y, float& w, float& h) const;

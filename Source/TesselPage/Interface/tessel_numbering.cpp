@@ -67,6 +67,12 @@ const SObj* Numbering::find(const SObj& object) const {
   return &answer;
 }
 
+const Numbering::Identity* Numbering::inOutput(const Identity& old) const {
+  for (const Table* table : {&old2NewObjects, &harvestedObjects})
+    if (const auto found = table->find(old); found != table->end()) return &found->second;
+  return nullptr;
+}
+
 std::vector<Numbering::IdentityPair> Numbering::allPairs() const {
   std::vector<IdentityPair> pairs(old2NewObjects.begin(), old2NewObjects.end());
   pairs.insert(pairs.end(), harvestedObjects.begin(), harvestedObjects.end());

@@ -51,6 +51,9 @@ class Numbering : public NumberSource {
 
   const SObj* find(const SObj& object) const override;
 
+  /// The new identity of an object that is in the output, or null.
+  const Identity* inOutput(const Identity& old) const;
+
   /// Both tables in key order, the old-to-new table first.
   std::vector<IdentityPair> allPairs() const;
   const Table& old2New() const { return old2NewObjects; }

@@ -2,6 +2,8 @@
 
 #include "TesselPage/Interface/tessel_page_state.h"
 #include "TesselPage/Interface/tessel_page_writer.h"
+#include "TesselPage/Interface/tessel_pageinfo.h"
+#include "TesselPage/Model/tessel_catalog.h"
 #include "TesselPage/tessel_page.h"
 
 namespace TESSEL {
@@ -14,6 +16,48 @@ std::string CTesselPage::getRootString(int objNo) const {
   if (objNo != 0) writer.currentObject = SObj(objNo, 0);
   CObj(root).LocalObj(writer, source, nullptr);
   return std::move(static_cast<std::string&>(writer));
+}
+
+int CTesselPage::getNames(const std::string** out) {
+  CSourFile& source = *state->sourFile;
+  const SObj& names = source.catalogObj->names.id;
+  if (names.objNum < 1) {
+    // A direct /Names yields nothing: the key is none of those that values are taken of.
+    state->namesString = CPageInfo(getRootString(0)).getValueString("Names");
+  } else {
+    PageWriter writer(*state);
+    if (!CObj(names).LocalObj(writer, source, nullptr)) return Result::objectNotWritten;
+    state->namesString = withoutBrackets(writer.bodyText());
+  }
+  *out = &state->namesString;
+  return Result::success;
+}
+
+std::vector<DestTD> CTesselPage::getDestVector() const {
+  CSourFile& source = *state->sourFile;
+  std::vector<DestTD> destinations;
+  destinations.reserve(source.destObjMap.size());
+  for (const auto& [key, info] : source.destObjMap) {
+    DestTD record{info.page, 0, 0, info.style, info.left, info.top, info.right, info.bottom};
+    if (!info.name.empty()) source.getNameDest(info.name, record);
+    record.objNum = info.newObject.objNum;
+    record.genNum = info.newObject.genNum;
+    destinations.push_back(record);
+  }
+  return destinations;
+}
+
+void CTesselPage::getCatalogOCProperties(std::map<Identity, bool>& shown, std::vector<Identity>& order) {
+  if (!state->sourFile) return;
+  const COCProperties& layers = state->sourFile->catalogObj->optionalContent;
+  const auto show = [&](const std::vector<SObj>& groups, bool on) {
+    for (const SObj& group : groups)
+      if (const Identity* newId = state->numbering.inOutput(group.identity())) shown.emplace(*newId, on);
+  };
+  show(layers.on, true);
+  show(layers.off, false);
+  for (const SObj& group : layers.order)
+    if (const Identity* newId = state->numbering.inOutput(group.identity())) order.push_back(*newId);
 }
 
 const std::string& CTesselPage::getHeaderVersion() const { return state->versionString; }

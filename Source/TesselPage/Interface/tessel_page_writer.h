@@ -10,7 +10,7 @@ class PageWriter : public CDestFile {
  public:
   explicit PageWriter(PageState& state) {
     state.numbering.follow(*state.sourFile);
-    state.numbering.number(state.startObjNo);
+    behindObjects = state.numbering.number(state.startObjNo);
     setNumberSource(&state.numbering);
   }
 
@@ -19,8 +19,29 @@ class PageWriter : public CDestFile {
     if (!findNewObj(object)) insertNewObjTab({0, currentFile, object}, newId);
   }
 
+  /// Gives the page's destinations their numbers, which lie behind those of the objects.
+  void numberDestinations(CSourFile& source) {
+    int next = behindObjects;
+    for (auto& [key, info] : source.destObjMap) {
+      info.newObject = SObj(next++, 0);
+      insertDestination({key.index, currentFile, key.object}, info.newObject);
+    }
+  }
+
   /// The text so far, cut at the last "endobj".
   std::string bodyText() const { return substr(0, rfind("endobj")); }
+
+ private:
+  int behindObjects = 0;
 };
+
+/// What stands between the first "<<" and the last ">>" of a text; the whole of one that lacks either.
+inline std::string withoutBrackets(const std::string& text) {
+  constexpr std::size_t bracket = 2;
+  const std::size_t open = text.find("<<");
+  const std::size_t close = text.rfind(">>");
+  if (open == std::string::npos || close == std::string::npos || close < open + bracket) return text;
+  return text.substr(open + bracket, close - open - bracket);
+}
 
 }  // namespace TESSEL
