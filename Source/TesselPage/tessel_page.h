@@ -9,10 +9,12 @@
 
 #include "TesselPage/tessel_desttd.h"
 #include "TesselPage/tessel_enables.h"
+#include "TesselPage/tessel_security.h"
 #include "TesselPage/tessel_types.h"
 
 namespace TESSEL {
 
+class CEncrypt;
 struct PageState;
 
 /// What the integer results of the interface mean.
@@ -173,6 +175,39 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// each is on, as far as the source's default configuration tells, and its order, made flat. Adds to both;
   /// what `shown` has already stays.
   void getCatalogOCProperties(std::map<Identity, bool>& shown, std::vector<Identity>& order);
+  /// The file key of the host's output, finished (ISO 32000-2, 7.6.4): strings and streams of the texts that
+  /// leave from here on are encrypted under it and the number of the object that they go to. 16 bytes with
+  /// revision 4 stand for AES-128, 32 bytes with revision 5 (also for a dictionary of revision 6) for AES-256,
+  /// all others for RC4. The bytes are copied. Without this call all leaves in the clear.
+  /// @param length  bytes of the key
+  /// @return 0; 8003 when `length` isn't from 5 to 32, and nothing is changed
+  int setEncryptKey(const unsigned char* key, int length, int revision);
+  /// Fills key length in bits, key, method, revision and, with a key set, version 4 and the access state of
+  /// `out`. The version doesn't follow the key's kind.
+  void getEncryptInfo(CEncrypt& out) const;
+  /// Opens the source anew with another password, of at most 32 bytes. Requires: init made a source, with
+  /// whatever result.
+  /// @return as the other form
+  /// @throws int  the result of init that says why the source doesn't open
+  int SetSourcePassword(const std::string& password);
+  /// Tries the password at hand.
+  /// @return 1 it can't be tried: longer than 32 bytes, or the encryption uses no password; 8 the source needs
+  /// none; 2 the empty password opens the source and this one is the owner's; 3 it is the owner's; 4 the
+  /// user's; 5 neither; 6 the empty password opens the source and this one isn't the owner's; 7 it is both
+  int SetSourcePassword() const;
+  /// Beyond the interface as it stands: SetSourcePassword for a password of any length, of which 127 bytes
+  /// count in a source of revision 5 or 6 and 32 in an older one.
+  int SetSourceLongPassword(const std::string& password);
+  /// Text of the source's encryption dictionary; empty when it has none, or has it direct in the trailer.
+  std::string getEncryptString() const;
+  /// How far the password has led, and what the source permits, as its dictionary's text tells it (ISO
+  /// 32000-2, table 22): 0 and -4 for a source that isn't encrypted. Always 0.
+  int getSecurity(PASSWORD_TYPE& type, int& permissions) const;
+  /// Always 1.
+  int GetSourceFileInfo(SFileInfo& out) const;
+  /// A fingerprint of the source's bytes, to know it again. The position of the stream is kept.
+  SFileKey getFileKey() const;
+
   /// The header literal, such as "%PDF-1.7".
   const std::string& getHeaderVersion() const;
 
@@ -198,6 +233,9 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
 
  protected:
   std::unique_ptr<PageState> state;
+
+ private:
+  int reopen(const std::string& password);
 };
 
 }  // namespace TESSEL

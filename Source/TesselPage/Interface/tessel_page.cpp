@@ -25,8 +25,8 @@ int asResult(Step&& step) {
   }
 }
 
-/// What `init` and a new password both end with.
-/// @return 0, or 8001 when the catalog can't be written
+}  // namespace
+
 int readDocument(PageState& state) {
   CSourFile& source = *state.sourFile;
   CDestFile text;
@@ -38,8 +38,6 @@ int readDocument(PageState& state) {
   state.idString = CFileID::asCString(id.first) + CFileID::asCString(id.second);
   return Result::success;
 }
-
-}  // namespace
 
 CTesselPage::CTesselPage(const char* path, const std::string& password)
     : state(std::make_unique<PageState>()) {
@@ -64,7 +62,10 @@ int CTesselPage::init() {
     source.fileInfo.encrypt.setPassword(state->password);
     if (state->sourceStream->fail()) return Result::notReadable;
     const int opened = source.CheckAndInit();
-    return opened == Result::success ? readDocument(*state) : opened;
+    if (opened != Result::success) return opened;
+    const int read = readDocument(*state);
+    if (read == Result::success) SetSourcePassword();
+    return read;
   });
 }
 

@@ -188,7 +188,7 @@ int CTesselPage::getAcroFormFields(const std::string** out, int objNo) {
     text = CPageInfo(getRootString(objNo)).getValueString("AcroForm");
   } else {
     PageWriter writer(*state);
-    if (objNo != 0) writer.currentObject = SObj(objNo, 0);
+    writer.writeAs(objNo);
     if (!CObj(form).LocalObj(writer, source, nullptr)) return Result::objectNotWritten;
     text = writer.bodyText();
   }

@@ -100,10 +100,10 @@ bool CTesselPage::getStoredContents(std::string& data, std::string& filterEntrie
 namespace {
 
 /// All resource dictionaries that stand as objects of their own, in a row.
-int indirectResources(PageState& state, std::string& resources) {
+int indirectResources(PageState& state, int pageObjNo, std::string& resources) {
   PageWriter writer(state);
+  writer.writeAs(pageObjNo);
   for (const SObj& object : state.sourFile->pageResourceObjs) {
-    writer.currentObject = object;
     if (state.sourFile->pieceFilteredObjs.count(object) != 0)
       writer.append(EMPTY_FORM_TEXT);
     else if (!CObj(object).LocalObj(writer, *state.sourFile, nullptr))
@@ -119,7 +119,7 @@ int CTesselPage::getPageRes(const std::string** out, int pageObjNo) {
   std::string& resources = state->resString;
   resources.clear();
   if (!state->sourFile->pageResourceObjs.empty()) {
-    const int result = indirectResources(*state, resources);
+    const int result = indirectResources(*state, pageObjNo, resources);
     if (result != Result::success) return result;
     const std::string own = CPageInfo(getPageRootString(pageObjNo)).getValueString("Resources");
     if (resources.empty())
@@ -145,9 +145,9 @@ std::string CTesselPage::getPageRootString(int pageObjNo) const {
   if (index >= source.pageList.size()) return {};
   SObj current = source.pageList[index];
   std::set<SObj> climbed;
+  writer.writeAs(pageObjNo);
   while (climbed.insert(current).second) {
     writer.numberUnlessKnown(current, SObj(pageObjNo, 0));
-    if (pageObjNo != 0) writer.currentObject = SObj(pageObjNo, 0);
     CObj(current).LocalObj(writer, source, nullptr);
     if (pageObjNo == 0 || writer.find("/Resources") != std::string::npos) break;
     const auto parent = source.parentMap.find(current);

@@ -13,7 +13,7 @@ std::string CTesselPage::getRootString(int objNo) const {
   const SObj& root = source.fileInfo.root;
   PageWriter writer(*state);
   writer.numberUnlessKnown(root, SObj(objNo, 0));
-  if (objNo != 0) writer.currentObject = SObj(objNo, 0);
+  writer.writeAs(objNo);
   CObj(root).LocalObj(writer, source, nullptr);
   return std::move(static_cast<std::string&>(writer));
 }

@@ -2,6 +2,8 @@
 // out as text with its references rewritten. Numbers are given first, to all objects, since any text may
 // refer to any other; the texts follow in the same order.
 
+#include "PDFEncryption/encryptinfo.h"
+#include "TesselPage/Interface/tessel_outputkey.h"
 #include "TesselPage/Interface/tessel_page_state.h"
 #include "TesselPage/Model/tessel_annot.h"
 #include "TesselPage/Model/tessel_catalog.h"
@@ -103,6 +105,7 @@ void Harvest::reserveDestinations() {
 
 void Harvest::writeTexts() {
   writer.setNumberSource(this);
+  giveOutputKey(state, writer.encrypt);
   next = state.startObjNo;
   // A copy: writing may read the source, and reading may enter objects.
   const std::vector<Identity> waiting(state.numbering.pendingObjects().begin(),
@@ -174,7 +177,11 @@ int CTesselPage::setStartObjNo(int startNo) {
   state->numbering.merge(state->old2NewVector);
   state->startObjNo = startNo;
   Harvest(*state, *this).run();
-  for (auto& [identity, text] : *this) finishText(text);
+  for (iterator it = begin(); it != end(); ++it) {
+    if (state->encryptKeyKind != pcrypt::Method::none) exemptStrings(*this, it);
+    finishText(it->second);
+  }
+  if (state->encryptKeyKind == pcrypt::Method::aesV2) roundStreamLengths(*this);
   return Result::success;
 }
 

@@ -32,6 +32,14 @@ struct PageState {
   int startObjNo = 0;
   CTesselPage::EBox boxOption = CTesselPage::visibleBox;
   Identity curPageObj{0, 0};
+  bool longPassword = false;  ///< the password counts with more than 32 bytes where its revision allows that
+
+  // The key of the host's output.
+  std::string encryptKey;
+  int encryptKeyKind = 0;  ///< a pcrypt::Method; 0: no key was given
+  int encryptRevision = 0;
+  /// As getEncryptInfo.
+  void fillEncryptInfo(CEncrypt& out) const;
 
   std::string pageString;
   std::string pageStringA, pageStringB,
@@ -54,5 +62,10 @@ struct PageState {
   bool lengthFiltered = false;
   bool stringsRestorable = false;  ///< nothing sets it
 };
+
+/// Takes from an opened source what `init` and a new password both end with: the catalog's text, version and
+/// identifiers.
+/// @return 0, or 8001 when the catalog can't be written
+int readDocument(PageState& state);
 
 }  // namespace TESSEL

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TesselPage/Interface/tessel_outputkey.h"
 #include "TesselPage/Interface/tessel_page_state.h"
 #include "TesselPage/Writer/tessel_destfile.h"
 
@@ -8,7 +9,7 @@ namespace TESSEL {
 /// A local writer whose look-ups repeat the numbering of the harvest.
 class PageWriter : public CDestFile {
  public:
-  explicit PageWriter(PageState& state) {
+  explicit PageWriter(PageState& page) : state(page) {
     state.numbering.follow(*state.sourFile);
     behindObjects = state.numbering.number(state.startObjNo);
     setNumberSource(&state.numbering);
@@ -28,10 +29,19 @@ class PageWriter : public CDestFile {
     }
   }
 
+  /// Makes the text that of the object `number` of the output, so that its strings are encrypted for it. 0:
+  /// there is no such object, and they stay in the clear.
+  void writeAs(int number) {
+    if (number == 0) return;
+    currentObject = SObj(number, 0);
+    giveOutputKey(state, encrypt);
+  }
+
   /// The text so far, cut at the last "endobj".
   std::string bodyText() const { return substr(0, rfind("endobj")); }
 
  private:
+  PageState& state;
   int behindObjects = 0;
 };
 

@@ -1,0 +1,210 @@
+// The source's security as a host sees it, and the key of the host's own output.
+
+#include <algorithm>
+#include <cstdio>
+#include <sstream>
+#include <vector>
+
+#include "PDFEncryption/decryptionmanager.h"
+#include "PDFEncryption/hashes.h"
+#include "TesselPage/Interface/tessel_page_state.h"
+#include "TesselPage/Interface/tessel_pageinfo.h"
+#include "TesselPage/Security/tessel_encrypt.h"
+#include "TesselPage/Security/tessel_encryptbridge.h"
+#include "TesselPage/Writer/tessel_destfile.h"
+#include "TesselPage/tessel_page.h"
+
+namespace TESSEL {
+
+namespace {
+
+using pcrypt::PDFDecryptionManager;
+namespace Method = pcrypt::Method;
+
+constexpr int leastKeyBytes = 5;
+constexpr int mostKeyBytes = 32;
+constexpr int octetBits = 8;
+constexpr int longestPassword = 127;  // of revisions 5 and 6
+constexpr int firstLongRevision = 5;
+constexpr int openPermissions = -4;  // all that can be allowed
+
+struct KeyKind {
+  int length;
+  int revision;
+  int kind;
+};
+
+/// All other keys are those of RC4.
+constexpr KeyKind aesKeys[] = {{16, 4, Method::aesV2}, {32, 5, Method::aesV3}};
+
+int kindOf(int length, int revision) {
+  for (const KeyKind& row : aesKeys)
+    if (row.length == length && row.revision == revision) return row.kind;
+  return Method::rc4;
+}
+
+/// The tests of a password that lead nowhere, as a result; 0 when the password can be tried.
+int refusal(const CEncrypt& encrypt, bool tooLong) {
+  if (encrypt.handler == CEncrypt::otherHandler) return Result::passwordNotTried;
+  if (encrypt.handler != CEncrypt::standardHandler) return Result::notProtected;
+  if (!encrypt.firstAccess && !encrypt.secondAccess) return Result::notProtected;
+  return tooLong ? Result::passwordNotTried : Result::success;
+}
+
+PASSWORD_TYPE typeOf(int passwordState) {
+  switch (passwordState) {
+    case PDFDecryptionManager::ownerOnly:
+    case PDFDecryptionManager::userOnly:
+      return passwordOfTwo;
+    case PDFDecryptionManager::undecided:
+    case PDFDecryptionManager::neither:
+    case PDFDecryptionManager::emptyNotOwner:
+      return passwordRestricted;
+    default:
+      return passwordUnrestricted;
+  }
+}
+
+/// Goes through a source from its first byte, and leaves it where it stood.
+class WholeFile {
+ public:
+  explicit WholeFile(CSourFile& file)
+      : source(file), place(file.rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::in)) {
+    standAt(0);
+  }
+  ~WholeFile() { standAt(place); }
+  WholeFile(const WholeFile&) = delete;
+  WholeFile& operator=(const WholeFile&) = delete;
+
+  void digestInto(SFileKey& key) {
+    using pcrypt::PDFEncryptionMD5;
+    PDFEncryptionMD5 hash;
+    PDFEncryptionMD5::MD5_CTX context;
+    hash.MD5Init(&context);
+    std::vector<char> block(blockBytes);
+    while (const auto read = readBlock(block)) {
+      hash.MD5Update(&context, reinterpret_cast<unsigned char*>(block.data()), read);
+      key.fileSize += read;
+    }
+    unsigned char digest[digestBytes];
+    hash.MD5Final(digest, &context);
+    char* digits = key.digest;
+    for (const unsigned char byte : digest) digits += std::snprintf(digits, 3, "%02x", byte);
+  }
+
+ private:
+  static constexpr std::size_t blockBytes = 4096;
+  static constexpr std::size_t digestBytes = 16;
+
+  void standAt(std::streampos where) {
+    source.clear();
+    source.seekg(where);
+  }
+  unsigned readBlock(std::vector<char>& block) {
+    source.read(block.data(), static_cast<std::streamsize>(block.size()));
+    return static_cast<unsigned>(source.gcount());
+  }
+
+  CSourFile& source;
+  std::streampos place;
+};
+
+}  // namespace
+
+void PageState::fillEncryptInfo(CEncrypt& out) const {
+  out.keyLength = static_cast<int>(encryptKey.size()) * octetBits;
+  if (encryptKeyKind <= Method::aesV3) out.method = encryptKeyKind;
+  out.fileKey.put(encryptKey);
+  if (encryptKeyKind != Method::none) {
+    out.V = 4;
+    out.accessState = CEncrypt::keyFromHost;
+  }
+  out.R = encryptRevision;
+}
+
+int CTesselPage::setEncryptKey(const unsigned char* key, int length, int revision) {
+  if (length < leastKeyBytes || length > mostKeyBytes) return Result::badKeyLength;
+  state->encryptKey.assign(key, key + length);
+  state->encryptKeyKind = kindOf(length, revision);
+  state->encryptRevision = revision;
+  return Result::success;
+}
+
+void CTesselPage::getEncryptInfo(CEncrypt& out) const { state->fillEncryptInfo(out); }
+
+int CTesselPage::SetSourcePassword(const std::string& password) {
+  state->longPassword = false;
+  return reopen(password);
+}
+
+int CTesselPage::SetSourceLongPassword(const std::string& password) {
+  state->longPassword = true;
+  return reopen(password);
+}
+
+int CTesselPage::reopen(const std::string& password) {
+  CSourFile& source = *state->sourFile;
+  state->password = password;
+  const int passwordState = SetSourcePassword();
+  // What another key has decoded may be wrong.
+  source.objectStreams.clear();
+  source.destLookup = DestLookup();
+  state->digests.clear();
+  if (const int opened = source.CheckAndInit(); opened != Result::success) throw opened;
+  if (const int read = readDocument(*state); read != Result::success) throw read;
+  return passwordState;
+}
+
+int CTesselPage::SetSourcePassword() const {
+  CEncrypt& encrypt = state->sourFile->fileInfo.encrypt;
+  const std::string& password = state->password;
+  const bool tooLong = password.size() > CEncrypt::passwordBytes && !state->longPassword;
+  if (const int refused = refusal(encrypt, tooLong); refused != Result::success) return refused;
+  const bool counts = state->longPassword && encrypt.R >= firstLongRevision;
+  encrypt.password = password.substr(0, counts ? longestPassword : CEncrypt::passwordBytes);
+  pcrypt::EncryptInfo info;
+  saveEncryptInfo(encrypt, info);
+  std::string tried = encrypt.passwordText();
+  const int passwordState = PDFDecryptionManager().calPassWordState(info, tried);
+  resaveEncryptInfo(info, encrypt);
+  return passwordState;
+}
+
+std::string CTesselPage::getEncryptString() const {
+  CSourFile& source = *state->sourFile;
+  CDestFile writer;
+  if (!source.fileInfo.encrypt.LocalObj(writer, source, nullptr)) return {};
+  return std::move(static_cast<std::string&>(writer));
+}
+
+int CTesselPage::getSecurity(PASSWORD_TYPE& type, int& permissions) const {
+  type = passwordUnrestricted;
+  permissions = openPermissions;
+  const std::string text = getEncryptString();
+  if (text.empty()) return Result::success;
+  std::istringstream(CPageInfo(text).getValueString("/P")) >> permissions;
+  type = typeOf(SetSourcePassword());
+  return Result::success;
+}
+
+int CTesselPage::GetSourceFileInfo(SFileInfo& out) const {
+  const CSourFile& source = *state->sourFile;
+  const CEncrypt& encrypt = source.fileInfo.encrypt;
+  out.pageCount = static_cast<int>(source.pageList.size());
+  out.permissions = encrypt.permissions;
+  out.passwordNeed = encrypt.firstAccess;
+  out.ownerAccess = encrypt.secondAccess;
+  const std::string version = encrypt.version.substr(1, SFileInfo::versionSize - 1);
+  std::copy_n(version.c_str(), version.size() + 1, out.version);
+  return 1;
+}
+
+SFileKey CTesselPage::getFileKey() const {
+  CSourFile& source = *state->sourFile;
+  SFileKey key;
+  WholeFile(source).digestInto(key);
+  key.pageCount = static_cast<unsigned>(source.pageList.size());
+  return key;
+}
+
+}  // namespace TESSEL
