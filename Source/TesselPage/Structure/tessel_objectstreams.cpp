@@ -21,6 +21,8 @@ class ObjectStreamScan {
   ObjectStreamScan(CSourFile& file, int number, ObjectStream& target)
       : source(file), stream(SObj(number, 0)), result(target) {}
 
+  bool ended = false;  ///< the body was decoded, or "endobj" was met
+
   Turn onToken(const std::string& token) {
     static constexpr KeyRow<ObjectStreamScan> rows[] = {
         {kwendobj, &ObjectStreamScan::end},        {nmType, &ObjectStreamScan::readType},
@@ -34,7 +36,10 @@ class ObjectStreamScan {
  private:
   static Turn goOnIf(bool ok) { return ok ? Turn::goOn : Turn::failure; }
 
-  Turn end() { return Turn::success; }
+  Turn end() {
+    ended = true;
+    return Turn::success;
+  }
   Turn readType() {
     std::string type;
     source >> type;
@@ -51,8 +56,8 @@ class ObjectStreamScan {
     stream.ofEncryptDictionary = stream.identity() == source.fileInfo.encrypt.id;
     stream.Read(source);
     result.text = stream.takeData();
-    const bool decoded = stream.filterStreamType(result.text, stream.length) == 0;
-    return decoded ? Turn::success : Turn::failure;
+    ended = stream.filterStreamType(result.text, stream.length) == 0;
+    return ended ? Turn::success : Turn::failure;
   }
 
   CSourFile& source;
@@ -71,7 +76,7 @@ std::shared_ptr<const ObjectStream> readHere(CSourFile& source, int number) {
   if (!CObj::IsObjStart(source) || !CFileBlock::isDictStart(source)) return nullptr;
   auto stream = std::make_shared<ObjectStream>();
   ObjectStreamScan scan(source, number, *stream);
-  if (!scanKeys(source, scan)) return nullptr;
+  if (!scanKeys(source, scan) || !scan.ended) return nullptr;
   stream->length = static_cast<int>(stream->text.size());
   readPairs(*stream);
   return stream;
@@ -113,7 +118,7 @@ void ObjectStreams::keep(int number, std::shared_ptr<const ObjectStream> stream)
   bytes += sizeOf(*stream);
   uses.push_front(number);
   kept[number] = {std::move(stream), uses.begin()};
-  while (bytes > bytesKept && uses.size() > 1) dropOldest();
+  while (bytes > limit && uses.size() > 1) dropOldest();
 }
 
 void ObjectStreams::dropOldest() {

@@ -32,6 +32,9 @@ class ObjectStreams {
   /// How many object streams may be read for each other's /Length at a time.
   static constexpr int maxNesting = 16;
 
+  /// @param bound  bytes kept; the one used last is kept in any case
+  explicit ObjectStreams(std::size_t bound = bytesKept) : limit(bound) {}
+
   /// The object stream of that number, or null when it can't be read. The position of the source with the
   /// file behind it is not kept, and its state is that of a seek to the object stream: it fails when the
   /// state was failed before.
@@ -51,6 +54,7 @@ class ObjectStreams {
 
   std::map<int, Kept> kept;
   std::list<int> uses;  ///< newest first
+  std::size_t limit;
   std::size_t bytes = 0;
   int nesting = 0;
 };

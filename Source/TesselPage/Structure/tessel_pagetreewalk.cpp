@@ -9,6 +9,9 @@
 namespace TESSEL {
 
 bool PageTreeWalk::run(const SObj& root) {
+  source.seekg(0, std::ios_base::end);
+  const long long fileBytes = source.good() ? std::streamoff(source.tellg()) : 0;
+  bytesLeft = limits.leastBytes + limits.bytesPerFileByte * fileBytes;
   if (!visit(root)) return false;
   while (!path.empty()) {
     Level& level = path.back();
@@ -17,7 +20,7 @@ bool PageTreeWalk::run(const SObj& root) {
       continue;
     }
     const SObj kid = level.kids[level.next++];
-    if (ancestors.count(kid) == 0 && bytes < maxBytes && !visit(kid)) return false;
+    if (ancestors.count(kid) == 0 && bytesLeft > 0 && !visit(kid)) return false;
   }
   return true;
 }
@@ -38,7 +41,7 @@ bool PageTreeWalk::visit(const SObj& node) {
 }
 
 void PageTreeWalk::enter(const SObj& node, std::vector<SObj> kids) {
-  kids.resize(std::min(kids.size(), maxNodes - nodes));
+  kids.resize(std::min(kids.size(), limits.nodes - nodes));
   nodes += kids.size();
   ancestors.insert(node);
   path.push_back({node, std::move(kids)});
@@ -52,9 +55,9 @@ void PageTreeWalk::leave() {
 void PageTreeWalk::charge(const SObj& node) {
   const SObjState entry = source.fileInfo.GetObjState(node);
   if (entry.inObjectStream())
-    bytes += source.objectStreams.lengthOf(entry);
+    bytesLeft -= source.objectStreams.lengthOf(entry);
   else if (source.good())
-    bytes += std::max<long long>(source.tellg() - std::streamoff(entry.entryOffset), 0);
+    bytesLeft -= std::max<long long>(source.tellg() - std::streamoff(entry.entryOffset), 0);
 }
 
 }  // namespace TESSEL

@@ -16,15 +16,19 @@ class PageTreeWalk {
   /// What becomes of a node that is neither /Pages nor /Page, or that can't be reached.
   enum class UnknownNode { fail, skip };
 
-  /// More nodes than any document has. A small file whose nodes share kids could ask for any number of
-  /// visits.
-  static constexpr std::size_t maxNodes = std::size_t{1} << 21;
-  /// Bytes of node bodies that one walk reads. Many table entries may lead to one long body.
-  static constexpr long long maxBytes = 1LL << 30;
+  /// What one walk may cost. A small file whose nodes share kids could ask for any number of visits, and many
+  /// table entries may lead to one long body.
+  struct Limits {
+    std::size_t nodes = std::size_t{1} << 21;  ///< more than any document has
+    long long leastBytes = 256LL << 20;        ///< of node bodies, and more for a larger file:
+    long long bytesPerFileByte = 16;
+  };
 
-  PageTreeWalk(CSourFile& file, UnknownNode rule) : source(file), unknown(rule) {}
+  PageTreeWalk(CSourFile& file, UnknownNode rule, const Limits& bounds)
+      : source(file), unknown(rule), limits(bounds) {}
+  PageTreeWalk(CSourFile& file, UnknownNode rule) : PageTreeWalk(file, rule, Limits()) {}
 
-  /// Walks from `root` and fills the source's page list; the first maxNodes nodes of a larger tree.
+  /// Walks from `root` and fills the source's page list, as far as the limits reach.
   /// @return false when a node failed the walk; the pages up to it are then in the list
   bool run(const SObj& root);
 
@@ -42,10 +46,11 @@ class PageTreeWalk {
 
   CSourFile& source;
   UnknownNode unknown;
+  Limits limits;
   std::vector<Level> path;
   std::unordered_set<SObj, SObjHash> ancestors;
   std::size_t nodes = 0;
-  long long bytes = 0;
+  long long bytesLeft = 0;
 };
 
 }  // namespace TESSEL

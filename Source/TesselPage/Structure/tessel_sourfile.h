@@ -19,6 +19,7 @@
 #include "TesselPage/Structure/tessel_sobj.h"
 #include "TesselPage/Structure/tessel_sourcebuffer.h"
 #include "TesselPage/tessel_desttd.h"
+#include "TesselPage/Syntax/tessel_token.h"
 #include "TesselPage/tessel_types.h"
 
 namespace TESSEL {
