@@ -16,14 +16,24 @@ namespace {
 using TESSEL::CTesselPage;
 namespace Result = TESSEL::Result;
 
-constexpr std::string_view noResources = "<<>>";
+constexpr std::string_view emptyDictionary = "<<>>";
+
+bool isDictionary(std::string_view value) { return value.substr(0, 2) == "<<"; }
+bool isReference(std::string_view value) { return !value.empty() && value.back() == 'R'; }
+
+/// The value, unless it is neither a dictionary nor a reference to one.
+std::string_view orEmptyDictionary(std::string_view value) {
+  return isDictionary(value) || isReference(value) ? value : emptyDictionary;
+}
+
+bool isBlankDictionary(std::string_view value) {
+  return isDictionary(value) && valueAt(insideOf(value)).empty();
+}
 
 /// The value of /Group when it tells of transparency: a dictionary or a reference, which isn't looked into.
 std::string groupIn(std::string_view pageDictionary) {
   const std::string_view group = valueOfKey(pageDictionary, "/Group");
-  const bool dictionary = group.substr(0, 2) == "<<";
-  const bool reference = !group.empty() && group.back() == 'R';
-  return dictionary || reference ? std::string(group) : std::string();
+  return isDictionary(group) || isReference(group) ? std::string(group) : std::string();
 }
 
 double userUnitIn(std::string_view pageDictionary) {
@@ -47,6 +57,14 @@ std::string formEntries(const PageGeometry& geometry, const PageForm& form, std:
                   matrixText(upright(geometry.visible, geometry.quarterTurns)), resources);
   if (!form.group.empty()) entries += "/Group " + form.group;
   return entries;
+}
+
+/// Whether `value` is a reference to an object that the output has, or gets from this page.
+bool isWrittenReference(std::string_view value, const CTesselPage& page) {
+  if (!isReference(value)) return false;
+  const auto number = parseCount(value.substr(0, value.find(' ')));
+  const auto found = number ? page.find({*number, 0}) : page.end();
+  return number && (found == page.end() || !found->second.empty());
 }
 
 /// The largest number that the harvest has given; the start when it gave none.
@@ -76,7 +94,7 @@ PageForm FormMaker::make(Source& source, int page) {
   const std::string dictionary = source.pages().getPageRootString(0);
   form.group = groupIn(dictionary);
   form.userUnit = userUnitIn(dictionary);
-  writeForm(source, page, *geometry, form);
+  writeForm(source, page, *geometry, form, dictionary);
   writeObjects(source.pages());
   return form;
 }
@@ -97,24 +115,31 @@ void FormMaker::harvest(CTesselPage& page, int formNumber) {
   writer.reserveThrough(largestNumber(page, start));
 }
 
-void FormMaker::writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form) {
+void FormMaker::writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
+                          std::string_view dictionary) {
   CTesselPage& reader = source.pages();
-  const std::string entries = formEntries(geometry, form, resourcesOf(source, page, form.number));
+  const std::string entries = formEntries(geometry, form, resourcesOf(source, page, form.number, dictionary));
   if (reader.getStoredContents(storedContents, storedFilters))
     writer.writeStream(form.number, entries + storedFilters, storedContents);
   else
     writer.writePackedStream(form.number, entries, contentsOf(source, page));
 }
 
-std::string FormMaker::resourcesOf(Source& source, int page, int formNumber) {
+std::string FormMaker::resourcesOf(Source& source, int page, int formNumber, std::string_view dictionary) {
+  // What the page itself has is complete. The library's answer joins it with dictionaries that it met
+  // elsewhere, and only asked with a number it looks into those of the page's ancestors.
+  const std::string_view own = valueOfKey(dictionary, "/Resources");
+  if (isDictionary(own) || isWrittenReference(own, source.pages())) return std::string(own);
+  const std::string indirect = askForResources(source, page, 0);
+  return isBlankDictionary(indirect) ? askForResources(source, page, formNumber) : indirect;
+}
+
+std::string FormMaker::askForResources(Source& source, int page, int pageNumber) {
   const std::string* resources = nullptr;
-  const int result = source.pages().getPageRes(&resources, formNumber);
-  if (result != Result::success)
-    warn(source, page, fmt::format("resources: {} ({})", reasonOf(result), result));
-  const std::string_view value = result == Result::success ? valueAt(*resources) : std::string_view{};
-  const bool dictionary = value.substr(0, 2) == "<<";
-  const bool reference = !value.empty() && value.back() == 'R';
-  return std::string(dictionary || reference ? value : noResources);
+  const int result = source.pages().getPageRes(&resources, pageNumber);
+  if (result == Result::success) return std::string(orEmptyDictionary(valueAt(*resources)));
+  warn(source, page, fmt::format("resources: {} ({})", reasonOf(result), result));
+  return std::string(emptyDictionary);
 }
 
 std::string_view FormMaker::contentsOf(Source& source, int page) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_objects.h"
@@ -33,8 +34,10 @@ class FormMaker {
   bool select(Source& source, int page);
   void harvest(TESSEL::CTesselPage& page, int formNumber);
   void writeObjects(const TESSEL::CTesselPage& page);
-  void writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form);
-  std::string resourcesOf(Source& source, int page, int formNumber);
+  void writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
+                 std::string_view dictionary);
+  std::string resourcesOf(Source& source, int page, int formNumber, std::string_view dictionary);
+  std::string askForResources(Source& source, int page, int pageNumber);
   std::string_view contentsOf(Source& source, int page);
   void warn(const Source& source, int page, const std::string& what);
 

@@ -67,11 +67,12 @@ std::optional<PageGeometry> Source::geometryOf(int page) const {
   if (reader.getPageRotate(page, degrees) != TESSEL::Result::success) return std::nullopt;
   const Corners media = boxOf(reader, page, CTesselPage::mediaBox);
   const Corners crop = boxOf(reader, page, CTesselPage::cropBox);
-  // A crop box that is empty or lies outside the paper hides nothing.
-  const Corners visible = crop.usable() ? crop.cutTo(media) : media;
-  const Corners& shown = visible.usable() ? visible : media;
-  if (!shown.usable()) return std::nullopt;
-  return PageGeometry{shown.rect(), quarterTurnsOf(degrees)};
+  // A crop box that lies outside the paper hides nothing, and a paper that has no size bounds nothing.
+  const std::array candidates = {crop.usable() ? crop.cutTo(media) : media, media, crop};
+  const auto* shown =
+      std::find_if(candidates.begin(), candidates.end(), [](auto& box) { return box.usable(); });
+  if (shown == candidates.end()) return std::nullopt;
+  return PageGeometry{shown->rect(), quarterTurnsOf(degrees)};
 }
 
 }  // namespace TesselHost
