@@ -1,9 +1,13 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
-#include "KelpGraphicService/kelp_graphic_service.h"
 #include "TesselPage/tessel_page.h"
+
+namespace KelpGraphicService_NS {
+struct FilterPropTD;
+}
 
 namespace TESSEL {
 
@@ -19,6 +23,7 @@ class CTesselPage_Encode : public CTesselPage {
  public:
   CTesselPage_Encode(const char* path, const std::string& password);
   CTesselPage_Encode(std::istream& in, const std::string& password);
+  ~CTesselPage_Encode() override;
 
   /// The harvest of the base, then the encoding. Always 0.
   int setStartObjNo(int startNo) override;
@@ -43,7 +48,7 @@ class CTesselPage_Encode : public CTesselPage {
   void encode(const iterator& it);
   void replaceLength(const iterator& it, long oldLength, std::size_t newLength);
 
-  KelpGraphicService_NS::FilterPropTD options;
+  std::unique_ptr<KelpGraphicService_NS::FilterPropTD> options;  ///< of the filter to come
 };
 
 }  // namespace TESSEL

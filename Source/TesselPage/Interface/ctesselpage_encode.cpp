@@ -4,6 +4,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "KelpGraphicService/kelp_graphic_service.h"
 #include "TesselPage/Finder/pdf_rules.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 
@@ -63,14 +64,16 @@ class Encoded {
 }  // namespace
 
 CTesselPage_Encode::CTesselPage_Encode(const char* path, const std::string& password)
-    : CTesselPage(path, password) {
-  options.filterKind = service::ftASCII85;
+    : CTesselPage(path, password), options(std::make_unique<service::FilterPropTD>()) {
+  options->filterKind = service::ftASCII85;
 }
 
 CTesselPage_Encode::CTesselPage_Encode(std::istream& in, const std::string& password)
-    : CTesselPage(in, password) {
-  options.filterKind = service::ftASCII85;
+    : CTesselPage(in, password), options(std::make_unique<service::FilterPropTD>()) {
+  options->filterKind = service::ftASCII85;
 }
+
+CTesselPage_Encode::~CTesselPage_Encode() = default;
 
 int CTesselPage_Encode::setStartObjNo(int startNo) {
   CTesselPage::setStartObjNo(startNo);
@@ -86,7 +89,7 @@ void CTesselPage_Encode::encode(const iterator& it) {
   const long oldLength = lengthOf(it, &holder, &begin);
   findStreamPos(it, &holder, &begin, &end, oldLength);
   const auto there = static_cast<std::size_t>(endOf(*holder) - begin);
-  const Encoded encoded(begin, std::min(static_cast<std::size_t>(oldLength), there), options);
+  const Encoded encoded(begin, std::min(static_cast<std::size_t>(oldLength), there), *options);
   // The stream's last byte stands behind this place and stays.
   holder->replace(static_cast<std::size_t>(begin - holder->data()), static_cast<std::size_t>(end - begin),
                   encoded.bytes());
@@ -173,7 +176,7 @@ std::string CTesselPage_Encode::constructFilterEntity(const std::string& filterT
   int count = 0;
   for (const auto& [begin, end] : found.tokens()) {
     if (end - begin < 2) continue;  // a bare slash
-    if (++count == 2) entry += " [" + nameOf(options.filterKind);
+    if (++count == 2) entry += " [" + nameOf(options->filterKind);
     entry.append(begin, end) += ' ';
   }
   if (count == 0) return "/Filter /ASCII85Decode ";

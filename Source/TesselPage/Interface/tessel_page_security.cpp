@@ -5,8 +5,8 @@
 #include <sstream>
 #include <vector>
 
+#include "KelpCommon/kelp_md5.h"
 #include "PDFEncryption/decryptionmanager.h"
-#include "PDFEncryption/hashes.h"
 #include "TesselPage/Interface/tessel_page_state.h"
 #include "TesselPage/Interface/tessel_pageinfo.h"
 #include "TesselPage/Security/tessel_encrypt.h"
@@ -77,24 +77,20 @@ class WholeFile {
   WholeFile& operator=(const WholeFile&) = delete;
 
   void digestInto(SFileKey& key) {
-    using pcrypt::PDFEncryptionMD5;
-    PDFEncryptionMD5 hash;
-    PDFEncryptionMD5::MD5_CTX context;
-    hash.MD5Init(&context);
+    KelpCommonNS::MD5_CTX context;
     std::vector<char> block(blockBytes);
     while (const auto read = readBlock(block)) {
-      hash.MD5Update(&context, reinterpret_cast<unsigned char*>(block.data()), read);
+      context.Update(block.data(), read);
       key.fileSize += read;
     }
-    unsigned char digest[digestBytes];
-    hash.MD5Final(digest, &context);
+    unsigned char digest[KelpCommonNS::MD5_CTX::digestSize];
+    context.Final(digest);
     char* digits = key.digest;
     for (const unsigned char byte : digest) digits += std::snprintf(digits, 3, "%02x", byte);
   }
 
  private:
   static constexpr std::size_t blockBytes = 4096;
-  static constexpr std::size_t digestBytes = 16;
 
   void standAt(std::streampos where) {
     source.clear();
