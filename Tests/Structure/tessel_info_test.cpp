@@ -93,8 +93,8 @@ TEST(Info, AMissingValueEndsTheRead) {
 TEST(Info, TheNextObjectsPlaceEndsAnObjectAtAnOffset) {
   // Without its "endobj" the dictionary would run on into object 5.
   RawSource source("\n4 0 obj <</Title(t)>>\n5 0 obj <</Author(a)>> endobj ");
-  source.info().objEntries[SObj(4, 0)] = {1, 0, 0, 1, 'n'};
-  source.info().objEntries[SObj(5, 0)] = {23, 0, 0, 1, 'n'};
+  source.info().objEntries[SObj(4, 0)] = {1, 0, 0, 1, 0};
+  source.info().objEntries[SObj(5, 0)] = {23, 0, 0, 1, 0};
   CInfo info;
   info.setIdentity(SObj(4, 0));
   source->seekg(1);
@@ -106,8 +106,8 @@ TEST(Info, TheNextObjectsPlaceEndsAnObjectAtAnOffset) {
 TEST(Info, ThePlaceOfOtherObjectsDoesNotEndOneInMemory) {
   RawSource source("4 0 obj <</Title(t)>> 5 0 obj <</Author(a)>> endobj ");
   source.info().objEntries[SObj(4, 0)] = {9, 0, 0, 2, 0};
-  source.info().objEntries[SObj(5, 0)] = {9, 0, 0, 1, 'n'};
-  source.info().objEntries[SObj(6, 0)] = {12, 0, 0, 1, 'n'};
+  source.info().objEntries[SObj(5, 0)] = {9, 0, 0, 1, 0};
+  source.info().objEntries[SObj(6, 0)] = {12, 0, 0, 1, 0};
   CInfo info;
   info.setIdentity(SObj(4, 0));
   EXPECT_TRUE(info.Read(*source));

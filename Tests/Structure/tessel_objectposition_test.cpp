@@ -19,7 +19,7 @@ struct Positions {
   Positions() : source("") {
     auto& info = source.info();
     info.objEntries[SObj(1, 0)] = {100, 0, 0, 1, 'n'};
-    info.objEntries[SObj(2, 0)] = {300, 0, 0, 1, 'n'};
+    info.objEntries[SObj(2, 0)] = {300, 0, 0, 1, 0};
     info.objEntries[SObj(3, 0)] = {7, 0, 0, 2, 0};
     info.objEntries[SObj(5, 0)] = {250, 0, 0, 0, 'f'};
     info.hybridEntries[SObj(4, 0)] = {150, 0, 0, 1, 0};

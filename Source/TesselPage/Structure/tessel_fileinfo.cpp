@@ -86,8 +86,9 @@ bool CFileInfo::Read(CSourFile& source) {
   const long long fileEnd = source.tellg();
   budget = XRefBudget(fileEnd);
   const bool foundInFile = !findInTail(source) && findInFile(source) > 0;
-  filePositions.push_back(source.tellg());
+  const long long behindWord = source.tellg();
   if (const auto start = readStart(source, fileEnd, foundInFile)) walkChain(source, *start);
+  filePositions.push_back(behindWord);
   return !readInfo(source) || readSecurity(source);
 }
 

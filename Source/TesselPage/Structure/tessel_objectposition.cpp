@@ -40,9 +40,12 @@ int CObjectPosition::getObjType(const SObj& object) const {
 void CObjectPosition::buildBoundaries() const {
   auto& boundaries = info.objectBoundaries;
   boundaries = info.filePositions;
-  for (const auto& [object, entry] : *info.entries)
-    if (entry.atOffset()) boundaries.push_back(entry.entryOffset);
-  std::sort(boundaries.begin(), boundaries.end());
+  for (const auto& [object, entry] : *info.entries) {
+    // An entry with a flag is one of a classic table, whose offsets are among the positions.
+    if (entry.atOffset() && entry.entryFlag == 0) boundaries.push_back(entry.entryOffset);
+  }
+  // The tables of most files are in the order of their offsets already.
+  if (!std::is_sorted(boundaries.begin(), boundaries.end())) std::sort(boundaries.begin(), boundaries.end());
   boundaries.erase(std::unique(boundaries.begin(), boundaries.end()), boundaries.end());
 }
 
