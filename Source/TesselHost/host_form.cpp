@@ -51,11 +51,21 @@ std::string matrixText(const Affine& m) {
                      decimal(m.e), decimal(m.f));
 }
 
-std::string formEntries(const PageGeometry& geometry, const PageForm& form, std::string_view resources) {
-  std::string entries =
-      fmt::format("/Type/XObject/Subtype/Form/BBox{}/Matrix{}/Resources {}", boxText(geometry.visible),
-                  matrixText(upright(geometry.visible, geometry.quarterTurns)), resources);
-  if (!form.group.empty()) entries += "/Group " + form.group;
+/// A renderer smooths the edge of a clip, so a form that is cut at the sheet's own edge would fade there.
+constexpr double edgeAllowance = 1;  // points
+
+Rect clipOf(const Rect& visible, FormUse use) {
+  if (use == FormUse::placed) return visible;
+  return {visible.x - edgeAllowance, visible.y - edgeAllowance, visible.width + 2 * edgeAllowance,
+          visible.height + 2 * edgeAllowance};
+}
+
+std::string formEntries(const PageGeometry& geometry, const PageForm& form, FormUse use,
+                        std::string_view resources) {
+  std::string entries = fmt::format("/Type/XObject/Subtype/Form/BBox{}/Matrix{}/Resources {}",
+                                    boxText(clipOf(geometry.visible, use)),
+                                    matrixText(upright(geometry.visible, geometry.quarterTurns)), resources);
+  if (!form.group.empty() && use == FormUse::placed) entries += "/Group " + form.group;
   return entries;
 }
 
@@ -118,7 +128,8 @@ void FormMaker::harvest(CTesselPage& page, int formNumber) {
 void FormMaker::writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
                           std::string_view dictionary) {
   CTesselPage& reader = source.pages();
-  const std::string entries = formEntries(geometry, form, resourcesOf(source, page, form.number, dictionary));
+  const std::string entries =
+      formEntries(geometry, form, use, resourcesOf(source, page, form.number, dictionary));
   if (reader.getStoredContents(storedContents, storedFilters))
     writer.writeStream(form.number, entries + storedFilters, storedContents);
   else

@@ -19,12 +19,18 @@ struct PageForm {
   double userUnit = 1;
 };
 
+/// What a form is made for. A page that is all of its sheet is drawn straight into it: the sheet has the
+/// page's transparency group and cuts at the page's edge, so the form needs neither, and a renderer makes of
+/// it what it makes of the page.
+enum class FormUse { placed, wholeSheet };
+
 /// Writes pages as forms, with all the objects that they need. Objects that pages share, and equal streams of
 /// whatever source, are written once.
 class FormMaker {
  public:
-  /// Both must outlive the maker.
-  FormMaker(ObjectWriter& aWriter, Observer& anObserver) : writer(aWriter), observer(anObserver) {}
+  /// Writer and observer must outlive the maker.
+  FormMaker(ObjectWriter& aWriter, Observer& anObserver, FormUse aUse)
+      : writer(aWriter), observer(anObserver), use(aUse) {}
 
   /// Writes a page, counted from 1. A page that can't be read, or has no size, becomes an empty place and a
   /// warning. The source's pages must all be made by one maker.
@@ -43,6 +49,7 @@ class FormMaker {
 
   ObjectWriter& writer;
   Observer& observer;
+  FormUse use;
   TESSEL::CTesselPage::StreamObjMap digests;  ///< streams that the output has
   std::string storedContents;
   std::string storedFilters;

@@ -32,8 +32,8 @@ std::string decimal(double value, int decimals) {
 
 double unblurred(float value, float magnitude) {
   const double exact = value;
-  // A sum or difference of two floats is off by a few units in the last place of the larger one.
-  const double error = 2.0 * std::numeric_limits<float>::epsilon() *
+  // A number that was read into a float is off by half a unit in the last place.
+  const double error = 0.5 * std::numeric_limits<float>::epsilon() *
                        std::max({std::fabs(exact), std::fabs(static_cast<double>(magnitude)), 1.0});
   double scale = 1;
   for (int decimals = 0; decimals <= maxDecimals; ++decimals, scale *= 10) {

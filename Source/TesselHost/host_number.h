@@ -10,8 +10,8 @@ namespace TesselHost {
 /// point, no zeros at the end, no "-0". What isn't finite comes out as 0.
 std::string decimal(double value, int decimals = 5);
 
-/// The number with the fewest decimals that lies within the error of single precision at `magnitude`: undoes
-/// what a float did to a number that a file states in decimals.
+/// The number with the fewest decimals that lies within half a unit of single precision at `magnitude`:
+/// undoes what a float did to a number that a file states in decimals.
 double unblurred(float value, float magnitude);
 
 /// The number that the whole of `text` is, such as "12.5"; no sign, no exponent, no white space.

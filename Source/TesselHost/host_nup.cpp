@@ -97,6 +97,11 @@ class SheetPlan {
 
   /// Whether each sheet is as large as its only page.
   bool ownSizes() const { return options.paper.kind == Paper::Kind::fitted && options.grid.cells() == 1; }
+  /// A margin or a frame makes a page a part of its sheet.
+  FormUse formUse() const {
+    return ownSizes() && options.spacing.margin == 0 && !options.frame ? FormUse::wholeSheet
+                                                                       : FormUse::placed;
+  }
   Size sheetFor(const PageForm& first) const {
     return ownSizes() ? sheetAround(first.size, options.grid, options.spacing) : common;
   }
@@ -208,7 +213,7 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   OutputFile file(options.output);
   OutputDocument document(file, {versionFor(options, inputs), options.objectStreams},
                           identifierFor(options, inputs));
-  FormMaker maker(document.objects(), observer);
+  FormMaker maker(document.objects(), observer, plan.formUse());
   SheetFiller filler(options, plan, document);
   fillSheets(inputs, maker, filler, observer);
   document.finish();
