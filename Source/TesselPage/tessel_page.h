@@ -177,8 +177,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   void getCatalogOCProperties(std::map<Identity, bool>& shown, std::vector<Identity>& order);
   /// The file key of the host's output, finished (ISO 32000-2, 7.6.4): strings and streams of the texts that
   /// leave from here on are encrypted under it and the number of the object that they go to. 16 bytes with
-  /// revision 4 stand for AES-128, 32 bytes with revision 5 (also for a dictionary of revision 6) for AES-256,
-  /// all others for RC4. The bytes are copied. Without this call all leaves in the clear.
+  /// revision 4 stand for AES-128, 32 bytes with revision 5 (also for a dictionary of revision 6) for
+  /// AES-256, all others for RC4. The bytes are copied. Without this call all leaves in the clear.
   /// @param length  bytes of the key
   /// @return 0; 8003 when `length` isn't from 5 to 32, and nothing is changed
   int setEncryptKey(const unsigned char* key, int length, int revision);
@@ -191,9 +191,10 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// @throws int  the result of init that says why the source doesn't open
   int SetSourcePassword(const std::string& password);
   /// Tries the password at hand.
-  /// @return 1 it can't be tried: longer than 32 bytes, or the encryption uses no password; 8 the source needs
-  /// none; 2 the empty password opens the source and this one is the owner's; 3 it is the owner's; 4 the
-  /// user's; 5 neither; 6 the empty password opens the source and this one isn't the owner's; 7 it is both
+  /// @return 1 it can't be tried: longer than 32 bytes, or the encryption uses no password; 8 the source
+  /// needs none; 2 the empty password opens the source and this one is the owner's; 3 it is the owner's; 4
+  /// the user's; 5 neither; 6 the empty password opens the source and this one isn't the owner's; 7 it is
+  /// both
   int SetSourcePassword() const;
   /// Beyond the interface as it stands: SetSourcePassword for a password of any length, of which 127 bytes
   /// count in a source of revision 5 or 6 and 32 in an older one.

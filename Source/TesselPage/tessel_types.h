@@ -24,7 +24,8 @@ struct PointTD {
   friend bool operator==(const PointTD&, const PointTD&) = default;
 };
 
-/// A run of points. Made from numbers, it pairs them up: x0 y0 x1 y1 ...; a lone last number is an x with y 0.
+/// A run of points. Made from numbers, it pairs them up: x0 y0 x1 y1 ...; a lone last number is an x with y
+/// 0.
 class VerticesTD : public std::vector<PointTD> {
  public:
   VerticesTD() = default;

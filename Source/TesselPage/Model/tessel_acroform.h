@@ -10,8 +10,8 @@
 
 namespace TESSEL {
 
-/// The interactive form (ISO 32000-2, 12.7.3): reads the dictionary and harvests what it reaches, but for /Fields, whose
-/// members enter a page's objects only through the page's annotations.
+/// The interactive form (ISO 32000-2, 12.7.3): reads the dictionary and harvests what it reaches, but for
+/// /Fields, whose members enter a page's objects only through the page's annotations.
 class CAcroForm : public CObj {
  public:
   CAcroForm() { typeFlags = foundByTable; }
@@ -21,9 +21,9 @@ class CAcroForm : public CObj {
   bool ReadObjs(CSourFile* main, CSourFile& source, std::list<SObj>& work);
   void Init();
 
-  std::set<SObj> fields;                              ///< /Fields, and widgets that the form filter kept
-  std::vector<std::pair<std::string, SObj>> fonts;    ///< resource name and font object of each /Font entry
-  bool byReference = false;                           ///< entered through a reference of the catalog
+  std::set<SObj> fields;                            ///< /Fields, and widgets that the form filter kept
+  std::vector<std::pair<std::string, SObj>> fonts;  ///< resource name and font object of each /Font entry
+  bool byReference = false;                         ///< entered through a reference of the catalog
 };
 
 }  // namespace TESSEL

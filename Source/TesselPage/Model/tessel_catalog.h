@@ -15,9 +15,10 @@ class CMarkInfo : public CObj {
   bool marked = false;
 };
 
-/// What the system needs of the document catalog (ISO 32000-2, 7.7.2). Unlike the readers of a page it understands
-/// nesting: the value of a key that it doesn't know is passed over by counting brackets.
-/// Two passes: /Names can reach far, so the read at opening only notes the key; a second read takes nothing but /Names.
+/// What the system needs of the document catalog (ISO 32000-2, 7.7.2). Unlike the readers of a page it
+/// understands nesting: the value of a key that it doesn't know is passed over by counting brackets. Two
+/// passes: /Names can reach far, so the read at opening only notes the key; a second read takes nothing but
+/// /Names.
 class CCatalog : public CObj {
  public:
   CCatalog() { typeFlags = foundByTable; }
@@ -25,14 +26,14 @@ class CCatalog : public CObj {
   bool Read(CSourFile& source) override;
   void Init();
 
-  SObj pages;                ///< /Pages: start of the page tree
-  SObj metadata;             ///< /Metadata
+  SObj pages;     ///< /Pages: start of the page tree
+  SObj metadata;  ///< /Metadata
   CNames names;
   CAcroForm form;
   CMarkInfo markInfo;
-  bool secondPass = false;   ///< the next read takes /Names and nothing else
+  bool secondPass = false;  ///< the next read takes /Names and nothing else
   COCProperties optionalContent;
-  int version = 0;           ///< /Version: 0 to 7 for 1.0 to 1.7, 10 for 2.0; 0 until read
+  int version = 0;  ///< /Version: 0 to 7 for 1.0 to 1.7, 10 for 2.0; 0 until read
 };
 
 }  // namespace TESSEL

@@ -6,7 +6,8 @@
 
 namespace TESSEL {
 
-/// The name dictionary (ISO 32000-2, 7.7.4): keeps the root of the tree of destinations and harvests what the others reach.
+/// The name dictionary (ISO 32000-2, 7.7.4): keeps the root of the tree of destinations and harvests what the
+/// others reach.
 class CNames : public CObj {
  public:
   CNames() { typeFlags = foundByTable; }

@@ -7,8 +7,9 @@
 
 namespace TESSEL {
 
-/// Reader of a node of the page tree (ISO 32000-2, 7.7.3). A page's boxes and rotation go to the source's paperInfoMap with
-/// all inheritance applied; a /Pages node publishes what it found to the source's inheritedAttrs.
+/// Reader of a node of the page tree (ISO 32000-2, 7.7.3). A page's boxes and rotation go to the source's
+/// paperInfoMap with all inheritance applied; a /Pages node publishes what it found to the source's
+/// inheritedAttrs.
 class CPages : public CObj {
  public:
   explicit CPages(const std::string& nodeType = {}) : type(nodeType) { typeFlags = foundByTable; }
@@ -19,11 +20,11 @@ class CPages : public CObj {
   /// Back to the empty state.
   void Init();
 
-  std::string type;                     ///< "/Pages", "/Page", or empty
+  std::string type;  ///< "/Pages", "/Page", or empty
   std::vector<SObj> kids;
-  int count = 0;                        ///< /Count as read; takes no part in the number of pages
-  SObj ownResources;                    ///< /Resources, when it is a reference
-  std::vector<SObj> resourceReferences; ///< every reference inside a direct /Resources
+  int count = 0;                         ///< /Count as read; takes no part in the number of pages
+  SObj ownResources;                     ///< /Resources, when it is a reference
+  std::vector<SObj> resourceReferences;  ///< every reference inside a direct /Resources
   SObj parent;
 };
 

@@ -25,8 +25,8 @@ struct SDestInfo {
   float top = 0;
   float right = 0;
   float bottom = 0;
-  int page = 0;      ///< counted from 1; 0 when not known
-  SObj newObject;    ///< in the host's numbering, set by the harvest
+  int page = 0;    ///< counted from 1; 0 when not known
+  SObj newObject;  ///< in the host's numbering, set by the harvest
 };
 
 }  // namespace TESSEL

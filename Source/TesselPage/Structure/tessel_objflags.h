@@ -7,13 +7,13 @@ namespace ObjFlag {
 inline constexpr int none = 0;
 inline constexpr int underAnnots = 0x2;
 inline constexpr int xrefStream = 0x4;
-inline constexpr int underThumb = 0x8;         ///< as a mask: the reference is not followed
+inline constexpr int underThumb = 0x8;  ///< as a mask: the reference is not followed
 inline constexpr int underContents = 0x10;
 inline constexpr int underResources = 0x20;
 inline constexpr int underFont = 0x40;
 inline constexpr int underXObject = 0x80;
-inline constexpr int underParent = 0x400;      ///< as a mask: the reference is the parent
-inline constexpr int annotSubtree = 0x1000;    ///< as a mask in a page: a direct /Annots array
+inline constexpr int underParent = 0x400;        ///< as a mask: the reference is the parent
+inline constexpr int annotSubtree = 0x1000;      ///< as a mask in a page: a direct /Annots array
 inline constexpr int underIllustrator = 0x2000;  ///< as a mask: the reference is not followed
 inline constexpr int insideMK = 0x10000;
 inline constexpr int annotParent = 0x20000;

@@ -23,7 +23,9 @@ struct SObj {
   friend bool operator<(const SObj& a, const SObj& b) {
     return a.objNum != b.objNum ? a.objNum < b.objNum : a.genNum < b.genNum;
   }
-  friend bool operator==(const SObj& a, const SObj& b) { return a.objNum == b.objNum && a.genNum == b.genNum; }
+  friend bool operator==(const SObj& a, const SObj& b) {
+    return a.objNum == b.objNum && a.genNum == b.genNum;
+  }
 };
 
 /// Hash of an identity, for sets that are only asked.
@@ -39,11 +41,12 @@ enum class EntryType : unsigned char { free = 0, atOffset = 1, inObjectStream = 
 
 /// One cross-reference entry. All zeros: there is no such entry.
 struct SObjState {
-  long long entryOffset = 0;     ///< free, atOffset: file position in bytes, header offset added; inObjectStream: its number
-  int entryIndex = 0;            ///< inObjectStream: index within it; atOffset from a stream: generation field
-  unsigned char entryMark = 0;   ///< always 0 when read
-  unsigned char entryType = 0;   ///< an EntryType; a stream may hold other values
-  unsigned char entryFlag = 0;   ///< 'n' or 'f' of a classic table, 0 from a stream
+  long long entryOffset =
+      0;  ///< free, atOffset: file position in bytes, header offset added; inObjectStream: its number
+  int entryIndex = 0;           ///< inObjectStream: index within it; atOffset from a stream: generation field
+  unsigned char entryMark = 0;  ///< always 0 when read
+  unsigned char entryType = 0;  ///< an EntryType; a stream may hold other values
+  unsigned char entryFlag = 0;  ///< 'n' or 'f' of a classic table, 0 from a stream
 
   bool inObjectStream() const { return entryType == static_cast<unsigned char>(EntryType::inObjectStream); }
   bool atOffset() const { return entryType == static_cast<unsigned char>(EntryType::atOffset); }

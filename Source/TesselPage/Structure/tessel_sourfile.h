@@ -18,8 +18,8 @@
 #include "TesselPage/Structure/tessel_paperinfo.h"
 #include "TesselPage/Structure/tessel_sobj.h"
 #include "TesselPage/Structure/tessel_sourcebuffer.h"
-#include "TesselPage/tessel_desttd.h"
 #include "TesselPage/Syntax/tessel_token.h"
+#include "TesselPage/tessel_desttd.h"
 #include "TesselPage/tessel_types.h"
 
 namespace TESSEL {
@@ -102,10 +102,10 @@ class CSourFile : public std::istream {
   std::set<SObj> pageAnnotObjs;
   std::set<SObj> pieceFilteredObjs;  ///< not cleared between pages
   std::map<SDestObjKey, SDestInfo> destObjMap;
-  std::set<SObj> actionObjs;    ///< objects with an action
-  DestLookup destLookup;        ///< what a destination's target is looked up in; for the source's whole life
+  std::set<SObj> actionObjs;  ///< objects with an action
+  DestLookup destLookup;      ///< what a destination's target is looked up in; for the source's whole life
   long long indirectNumbers = 0;  ///< that annotations took from arrays behind references; they are bounded
-  std::set<SObj> documentObjs;  ///< reached by the form and name readers
+  std::set<SObj> documentObjs;    ///< reached by the form and name readers
 
   /// Looks a named destination up in the name tree of the catalog's /Dests (ISO 32000-2, 12.3.2.4), which is
   /// known from the first harvest on. Every node of the tree is read once. The position is kept.

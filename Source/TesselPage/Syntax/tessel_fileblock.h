@@ -32,16 +32,18 @@ class CFileBlock {
   static bool FindStr(std::istream& in, const std::string& word);
   /// The same within one object: false at "endobj" or when the stream fails. Never throws.
   static bool FindStrInObj(std::istream& in, const std::string& word);
-  /// One white-space delimited word of at most 1023 bytes, cut before the first of "<<", ">>", "/", "[", "]" that
-  /// counts; the stream stands behind what is left of it.
+  /// One white-space delimited word of at most 1023 bytes, cut before the first of "<<", ">>", "/", "[", "]"
+  /// that counts; the stream stands behind what is left of it.
   static void GetWords(std::istream& in, std::string& out);
-  /// Hexadecimal digits up to the first byte that is neither a digit nor a line end, as bytes appended to `out`.
+  /// Hexadecimal digits up to the first byte that is neither a digit nor a line end, as bytes appended to
+  /// `out`.
   /// @param[out] count  number of bytes appended
   static bool RedHexString(std::ostream& out, std::istream& in, int& count);
   static SObjState GetObjState(CSourFile& source, int num, int gen);
   static SObjState GetObjState(CSourFile& source, const SObj& id);
-  /// Whether a dictionary or an array starts here, behind white space and comment lines; consumes "[" or two bytes of a
-  /// dictionary start. The second byte behind "<" is not looked at, so a hexadecimal string passes too.
+  /// Whether a dictionary or an array starts here, behind white space and comment lines; consumes "[" or two
+  /// bytes of a dictionary start. The second byte behind "<" is not looked at, so a hexadecimal string passes
+  /// too.
   static bool isDictStart(std::istream& in);
   /// Appends `value` as PDF text with at most five decimals, followed by a blank.
   static void wrtNumberFtoStr(std::string& out, float value);

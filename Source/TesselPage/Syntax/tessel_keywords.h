@@ -21,8 +21,8 @@ inline constexpr const char* kwR = "R";
 inline constexpr const char* kwstream = "stream";
 inline constexpr const char* kwendstream = "endstream";
 
-// Names, each with its "/". nmJavaScript and nmASCIIHexDecode are misspelled on purpose: hosts rely on the real names never
-// matching as whole tokens.
+// Names, each with its "/". nmJavaScript and nmASCIIHexDecode are misspelled on purpose: hosts rely on the
+// real names never matching as whole tokens.
 inline constexpr const char* nmW = "/W";
 inline constexpr const char* nmIndex = "/Index";
 inline constexpr const char* nmSize = "/Size";

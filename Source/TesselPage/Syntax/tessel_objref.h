@@ -10,8 +10,8 @@ class CObjRef : public CObj {
   bool found = false;
   SObj objRef;
 
-  /// True when a reference stands here; the stream is then behind it. Otherwise the stream's state is cleared and its
-  /// position restored.
+  /// True when a reference stands here; the stream is then behind it. Otherwise the stream's state is cleared
+  /// and its position restored.
   bool Read(CSourFile& source) override;
   /// Appends number, blank, generation, blank, "R ".
   bool Write(CDestFile& dest, CSourFile& source) override;

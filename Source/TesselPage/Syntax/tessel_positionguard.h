@@ -4,8 +4,8 @@
 
 namespace TESSEL {
 
-/// Restores a stream's position at the end of the scope. All readers of a source share one position, so a reader that
-/// looks elsewhere holds one of these.
+/// Restores a stream's position at the end of the scope. All readers of a source share one position, so a
+/// reader that looks elsewhere holds one of these.
 class PositionGuard {
  public:
   enum class State { keep, clear };

@@ -159,7 +159,8 @@ bool CStringType::RedHexString(std::istream& in) {
 }
 
 bool CStringType::Write(CDestFile& dest, CSourFile&) {
-  if (dest.encrypts() && !value.empty() && !noEncrypt) encryptString(dest.encrypt, &dest.currentObject, value);
+  if (dest.encrypts() && !value.empty() && !noEncrypt)
+    encryptString(dest.encrypt, &dest.currentObject, value);
   length = static_cast<int>(value.size());
   WrtBody(dest);
   return true;

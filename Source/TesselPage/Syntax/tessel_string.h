@@ -7,8 +7,8 @@
 
 namespace TESSEL {
 
-/// A string object (ISO 32000-2, 7.3.4), literal or hexadecimal: decrypted while it is read, encrypted while it is
-/// written. Its identity is that of the object it stands in, which keys the cipher.
+/// A string object (ISO 32000-2, 7.3.4), literal or hexadecimal: decrypted while it is read, encrypted while
+/// it is written. Its identity is that of the object it stands in, which keys the cipher.
 class CStringType : public CObj {
  public:
   explicit CStringType(const SObj& owner) : CObj(owner) { typeFlags = valueObject; }
@@ -37,7 +37,8 @@ class CStringType : public CObj {
   bool noEncrypt = false;
 };
 
-/// Skips the string whose opening byte was `open` ("(" or "<"), as every scan does so that its bytes aren't taken for keys.
+/// Skips the string whose opening byte was `open` ("(" or "<"), as every scan does so that its bytes aren't
+/// taken for keys.
 void skipString(CSourFile& source, const SObj& owner, char open);
 
 }  // namespace TESSEL

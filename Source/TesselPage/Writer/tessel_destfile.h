@@ -66,7 +66,7 @@ class CDestFile : public Facade_stringstream {
   CSourFile* GetSourFile() const { return GetSourFile(currentFile); }
   CSourFile* GetSourFile(int file) const;
 
-  std::string header;       ///< version literal, the highest of the sources
+  std::string header;  ///< version literal, the highest of the sources
   /// Whether the strings and the stream of the object being written are encrypted.
   bool encrypts() const { return encrypt.activeForWriting() && currentObject.objNum >= 1; }
 
