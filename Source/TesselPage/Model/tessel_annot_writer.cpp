@@ -26,7 +26,7 @@ constexpr int fullTurn = 360;
 constexpr int noRotate = 16;
 
 /// Of all annotations of one source: far more than any document has, and what memory holds.
-constexpr long long maxIndirectNumbers = 1LL << 24;
+constexpr long long maxIndirectNumbers = 1LL << 22;
 
 constexpr std::size_t rectNumbers = 4;
 constexpr std::size_t matrixNumbers = 6;
@@ -150,7 +150,7 @@ bool AnnotCopier::run() {
 }
 
 void AnnotCopier::onReference() {
-  const std::string& key = copier.word();
+  const std::string key = copier.word();
   if (key == nmLength) return length.onReference();
   if (key == nmMK) mkNext = false;
   copier.copyToLast();
@@ -162,6 +162,7 @@ void AnnotCopier::onReference() {
     renumber();
   }
   copier.cut();
+  copier.forgetWord();
 }
 
 // What was dropped leaves no trace in an array of annotations and in a parent's /Kids.
