@@ -3,7 +3,6 @@
 #include <sys/random.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 
@@ -11,11 +10,6 @@ namespace pcrypt {
 namespace {
 
 constexpr int byteRange = 255;  // a byte of a vector is taken modulo this, so it is never 255
-
-std::atomic<bool>& systemSwitch() {
-  static std::atomic<bool> on = false;
-  return on;
-}
 
 unsigned char vectorByte(int chance) {
   const int byte = chance % byteRange;

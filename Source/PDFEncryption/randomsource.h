@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <string>
 
@@ -8,6 +9,13 @@
 namespace pcrypt {
 
 inline constexpr std::size_t initialVectorSize = 16;
+
+/// The choice itself. Inline, so that a program which links this library beside a shared one that holds it
+/// too makes one choice for both.
+inline std::atomic<bool>& systemSwitch() {
+  static std::atomic<bool> on = false;
+  return on;
+}
 
 /// Takes chance from the operating system's random source from here on, or from the C library's `rand` again.
 void useSystemRandom(bool on);

@@ -53,7 +53,7 @@ std::string protectedPdf(const std::string& plain, const Protection& protection,
   const Workplace place;
   place.put("in", plain);
   const bool insecure = protection.revision >= 5 && passwords.owner.empty() && !passwords.user.empty();
-  const std::string line = "--allow-weak-crypto --object-streams=" +
+  const std::string line = "--allow-weak-crypto --stream-data=preserve --object-streams=" +
                            std::string(layout == Layout::objectStreams ? "generate" : "disable") +
                            " --encrypt " + quoted(passwords.user) + ' ' + quoted(passwords.owner) + ' ' +
                            std::string(protection.method) + (insecure ? " --allow-insecure " : " ") +
@@ -68,7 +68,8 @@ std::string protectedPdf(const std::string& plain, const Protection& protection,
 std::string decryptedByQpdf(const std::string& encrypted, const std::string& password) {
   const Workplace place;
   place.put("in", encrypted);
-  return place.qpdf("--decrypt --password=" + quoted(password)) ? place.get("out") : std::string();
+  return place.qpdf("--decrypt --stream-data=preserve --password=" + quoted(password)) ? place.get("out")
+                                                                                       : std::string();
 }
 
 }  // namespace tessel_test
