@@ -34,8 +34,6 @@ void skipWhiteSpace(std::istream& in) {
   while (byte != ByteCursor::end && isWhiteSpace(static_cast<char>(byte))) byte = cursor.next();
 }
 
-}  // namespace
-
 /// A body's bytes in the order of the file: a view where the source lies in memory, else gathered.
 class StreamBytes {
  public:
@@ -55,31 +53,31 @@ class StreamBytes {
       if (there < n) source.setstate(std::ios_base::eofbit | std::ios_base::failbit);
       return;
     }
-    while (size < n && gather(std::min(n - size, readBlock))) {
-    }
+    gatherUpTo(n);
   }
 
   /// Reads on, up to the word "endstream", which stays. False when the file ends before.
   bool readToEndWord() {
     if (inMemory) return searchInMemory();
-    std::size_t place = std::string::npos;
-    std::size_t searched = size;
-    do {
+    const std::size_t had = size;
+    for (std::size_t searched = had;;) {
       const bool more = gather(searchBlock);
-      place = gathered.find(endWord, searched);
-      if (place == std::string::npos && !more) return false;
-      searched = std::max(size - std::min(size, endWord.size() - 1), searched);
-    } while (place == std::string::npos);
-    cut(place);
-    return true;
+      const std::size_t place = gathered.find(endWord, searched);
+      if (place != std::string::npos || !more) {
+        const bool found = place != std::string::npos;
+        found ? cut(place) : forgetBehind(had);
+        return found;
+      }
+      searched = std::max(had, size - std::min(size, endWord.size() - 1));
+    }
   }
 
   /// Makes the body the first `n` bytes behind its start and puts the stream there.
   void cut(std::size_t n) {
     source.clear();
+    if (!inMemory) gatherTo(n);
     source.seekg(start + static_cast<std::streamoff>(n));
     size = n;
-    if (!inMemory) gathered.resize(n);
   }
 
   std::string_view view() const { return inMemory ? file.substr(begin(), size) : std::string_view(gathered); }
@@ -89,6 +87,23 @@ class StreamBytes {
 
  private:
   std::size_t begin() const { return std::min(file.size(), static_cast<std::size_t>(start)); }
+
+  /// Leaves the first `n` bytes gathered, whether they are fewer or more than now.
+  void gatherTo(std::size_t n) {
+    if (n > size) source.seekg(start + static_cast<std::streamoff>(size));
+    gatherUpTo(n);
+    gathered.resize(std::min(n, size));
+  }
+
+  void forgetBehind(std::size_t n) {
+    gathered.resize(n);
+    size = n;
+  }
+
+  void gatherUpTo(std::size_t n) {
+    while (size < n && gather(std::min(n - size, readBlock))) {
+    }
+  }
 
   bool gather(std::size_t n) {
     gathered.resize(size + n);
@@ -115,15 +130,6 @@ class StreamBytes {
   std::streamoff start = 0;
   std::size_t size = 0;
 };
-
-bool CLength::ReadLen(CSourFile& source) { return ReadIntObj(source, length); }
-
-bool CLength::WriteLen(CDestFile& dest) const {
-  dest << length;
-  return true;
-}
-
-namespace {
 
 /// The token behind as many bytes as /Length tells, and where it begins.
 struct TokenBehind {
@@ -160,6 +166,13 @@ void repairLength(StreamBytes& bytes, const TokenBehind& token, bool complete) {
 }
 
 }  // namespace
+
+bool CLength::ReadLen(CSourFile& source) { return ReadIntObj(source, length); }
+
+bool CLength::WriteLen(CDestFile& dest) const {
+  dest << length;
+  return true;
+}
 
 bool CStreamType::Read(CSourFile& source) {
   body = {};
