@@ -167,6 +167,23 @@ TEST(XRefChain, ACycleEndsWhereItClosesAndKeepsWhatWasRead) {
   EXPECT_EQ(offsetOf(source, 2), 60);
 }
 
+TEST(XRefChain, RevisionsWithinEachOtherAreReadABoundedNumberOfTimes) {
+  // Each trailer's dictionary holds all the revisions that it leads to.
+  RawFile file;
+  file.put("%PDF-1.7\n\n");
+  constexpr std::size_t levels = 20000;
+  std::vector<long long> places;
+  for (std::size_t i = 0; i < levels; ++i) places.push_back(file.put("xref\ntrailer\n<<"));
+  file.put(">>");
+  for (std::size_t i = levels - 1; i > 0; --i) file.put("/Prev " + std::to_string(places[i]) + ">>");
+  file.put("\n");
+  file.end(places[0]);
+  // Read as told this takes some 20,000 times half a megabyte.
+  RawSource source(file.bytes);
+  source.info().Read(*source);
+  EXPECT_TRUE(source->good());
+}
+
 TEST(XRefChain, APrevThatLeadsToNoTableEndsTheWalkSilently) {
   RawFile file;
   file.put("%PDF-1.7\n\n");

@@ -79,7 +79,7 @@ std::optional<long long> readStart(CSourFile& source, long long fileEnd, bool fo
 
 XRefBudget::XRefBudget(long long fileBytes)
     : entries(std::max(leastEntries, fileBytes)),
-      bytes(leastBytes + decodedPerFileByte * std::max(fileBytes, 0LL)) {}
+      bytes(leastBytes + bytesPerFileByte * std::max(fileBytes, 0LL)) {}
 
 bool CFileInfo::Read(CSourFile& source) {
   source.seekg(0, std::ios_base::end);
@@ -95,10 +95,17 @@ bool CFileInfo::Read(CSourFile& source) {
 void CFileInfo::walkChain(CSourFile& source, long long start) {
   std::unordered_set<long long> visited;
   long long next = start;
+  long long place = 0;
   do {
     if (!visited.insert(next).second) return;
-    if (source.seekg(shifted(source.headerOffset, next)).fail()) return;
-  } while (readRevision(source, next) && next != endOfChain);
+    place = shifted(source.headerOffset, next);
+    if (source.seekg(place).fail()) return;
+  } while (readRevision(source, next) && next != endOfChain && charge(source, place));
+}
+
+bool CFileInfo::charge(CSourFile& source, long long start) {
+  if (source.good()) budget.bytes -= std::max<long long>(source.tellg() - std::streamoff(start), 0);
+  return budget.bytes >= 0;
 }
 
 bool CFileInfo::readRevision(CSourFile& source, long long& next) {

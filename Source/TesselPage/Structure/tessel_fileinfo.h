@@ -11,18 +11,19 @@
 
 namespace TESSEL {
 
-/// What one walk may take out of cross-reference streams. Their entries can be had for a bit or less, so a
-/// small file could fill the memory; a table in proportion to its file is never cut.
+/// What one walk may cost. The entries of a cross-reference stream can be had for a bit or less, so a small
+/// file could fill the memory; revisions that lie within each other could be read any number of times. A
+/// table in proportion to its file is never cut.
 struct XRefBudget {
   static constexpr long long leastEntries = 1LL << 20;
-  static constexpr long long leastBytes = 64LL << 20;
-  static constexpr long long decodedPerFileByte = 16;
+  static constexpr long long leastBytes = 16LL << 20;
+  static constexpr long long bytesPerFileByte = 16;
 
   XRefBudget() = default;
   explicit XRefBudget(long long fileBytes);
 
   long long entries = leastEntries;
-  long long bytes = leastBytes;  ///< decoded
+  long long bytes = leastBytes;  ///< of revisions, and of decoded data
 };
 
 /// What a file says about itself at its end: where each object lies, and the trailer's entries (ISO
@@ -79,6 +80,7 @@ class CFileInfo : public CObj {
 
   void walkChain(CSourFile& source, long long start);
   bool readRevision(CSourFile& source, long long& next);
+  bool charge(CSourFile& source, long long start);
   bool readSubsection(CSourFile& source, int first, int count);
   bool readInfo(CSourFile& source);
   bool readSecurity(CSourFile& source);

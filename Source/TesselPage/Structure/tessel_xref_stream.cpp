@@ -214,6 +214,7 @@ bool XRefStreamScan::enterRange(EntryCursor& cursor, int first, int count) {
 }
 
 bool CFileInfo::ReadXRefObj(CSourFile& source, long long& number, bool hybrid) {
+  const std::streamoff start = source.tellg();
   id.objNum = static_cast<int>(number);
   id.objFlags |= ObjFlag::xrefStream;
   if (!readInteger(source, id.genNum)) return false;
@@ -225,7 +226,7 @@ bool CFileInfo::ReadXRefObj(CSourFile& source, long long& number, bool hybrid) {
   XRefStreamScan scan(*this, source, hybrid ? hybridEntries : objEntries);
   if (!scanKeys(source, scan) || !scan.ended) return false;
   number = scan.prev;
-  return true;
+  return charge(source, start);
 }
 
 }  // namespace TESSEL
