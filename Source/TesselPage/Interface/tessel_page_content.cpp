@@ -72,10 +72,11 @@ int appendContent(const std::string& text, std::string& contents) {
 }
 
 /// The object's text as a content stream is read: with no references renumbered, and in the clear.
-std::string contentText(PageState& state, const SObj& object) {
+/// @param dropped  when given, whether an entry was lost because its value is a reference
+std::string contentText(PageState& state, const SObj& object, bool* dropped = nullptr) {
   if (state.sourFile->pieceFilteredObjs.count(object) != 0) return EMPTY_FORM_TEXT;
   CDestFile writer;
-  CObj(object).LocalObj(writer, *state.sourFile, nullptr);
+  CObj(object).LocalObj(writer, *state.sourFile, dropped);
   return std::move(static_cast<std::string&>(writer));
 }
 
@@ -94,7 +95,10 @@ int CTesselPage::getPageContents(const std::string** out) {
 
 bool CTesselPage::getStoredContents(std::string& data, std::string& filterEntries) const {
   const std::vector<SObj>& objects = state->sourFile->pageContentObjs;
-  return objects.size() == 1 && splitStoredStream(contentText(*state, objects.front()), data, filterEntries);
+  if (objects.size() != 1) return false;
+  bool dropped = false;
+  const std::string text = contentText(*state, objects.front(), &dropped);
+  return !dropped && splitStoredStream(text, data, filterEntries);
 }
 
 namespace {

@@ -8,8 +8,10 @@
 
 #include "PDFEncryption/hashes.h"
 #include "TesselPage/Finder/pdf_rules.h"
+#include "TesselPage/Interface/tessel_outputkey.h"
 #include "TesselPage/Interface/tessel_page_state.h"
 #include "TesselPage/Interface/tessel_pageinfo.h"
+#include "TesselPage/Security/tessel_encrypt.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/Syntax/tessel_string.h"
@@ -157,36 +159,45 @@ int CTesselPage::findLengthPos(const iterator& start, std::string** holder, char
 
 namespace {
 
-/// Puts strings into the clear: everything but strings is copied as it stands.
+/// Puts strings into the clear: everything but strings is copied as it stands, up to "endobj".
 class StringRestorer {
  public:
-  StringRestorer(const std::string& text, const SObj& owner) : source(text), raw(text), object(owner) {}
+  StringRestorer(const PageState& state, const std::string& text, const SObj& owner)
+      : source(text), raw(text), object(owner) {
+    CEncrypt& encrypt = source.fileInfo.encrypt;
+    giveOutputKey(state, encrypt);
+    encrypt.keySearched = true;  // the key is the output's own, so there is nothing to look for
+  }
 
   std::string run() {
     CharBuffer token;
     while (source.good()) {
       source >> token;
-      if (token == kwendobj) break;
       const bool string = token == "(" || token == "<";
-      if (!string && !(token == kwstream)) continue;
+      if (!string && !(token == kwstream) && !(token == kwendobj)) continue;
       copyHere();
+      if (token == kwendobj) break;
       if (string) restoreString(token.c_str()[0]);
     }
     return writer;
   }
 
  private:
+  /// The stream's place; the end once the text has run out.
+  std::size_t here() {
+    const std::streamoff place = source.tellg();
+    return place < 0 ? raw.size() : static_cast<std::size_t>(place);
+  }
   void copyHere() {
-    const auto here = static_cast<std::size_t>(source.tellg());
-    writer.append(raw, copied, here - copied);
-    copied = here;
+    writer.append(raw, copied, here() - copied);
+    copied = here();
   }
   void restoreString(char open) {
     CStringType value(object);
     value.hexadecimal = open == '<';
     value.Read(source);
     value.Write(writer, source);
-    copied = static_cast<std::size_t>(source.tellg());
+    copied = here();
   }
 
   CSourFile source;
@@ -200,7 +211,7 @@ class StringRestorer {
 
 std::string CTesselPage::decryptObject(const std::string& text, int num, int gen) const {
   if (!state->stringsRestorable || text.rfind(kwendobj) == std::string::npos) return text;
-  return StringRestorer(text, SObj(num, gen)).run();
+  return StringRestorer(*state, text, SObj(num, gen)).run();
 }
 
 long help_function_MatchStreamObject(const std::string& text) {

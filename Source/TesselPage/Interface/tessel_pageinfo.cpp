@@ -23,7 +23,9 @@ class ValueScan {
     return value();
   }
 
+  /// Nothing but a "]" or "/Dest" ends an array, so a text without one has none.
   std::string array() {
+    end = 0;
     while (!done && nextToken()) arrayToken();
     return value();
   }
@@ -71,6 +73,7 @@ class ValueScan {
   }
 
   void arrayToken() {
+    if (token == "(" || token == "<") skipString(source, SObj(), token.c_str()[0]);
     if (token == "<<") ++depth;
     if (token == ">>") --depth;
     if (token == "[" && arrayDepth++ == 0) start = before;

@@ -1,5 +1,6 @@
 #include "TesselPage/Interface/tessel_storedstream.h"
 
+#include <cstdlib>
 #include <string_view>
 
 #include "TesselPage/Structure/tessel_sourfile.h"
@@ -33,6 +34,7 @@ class StreamDictionary {
       const std::string key(token.view());
       const std::size_t from = here();
       if (!skipValue(key)) return false;
+      if (key == nmLength) length = std::strtoull(text.c_str() + from, nullptr, 10);
       if (key != nmFilter && key != nmDecodeParms) continue;
       const std::string value = text.substr(from, here() - from);
       if (value.find(cryptFilter) != std::string::npos || hasReference) return false;
@@ -40,6 +42,8 @@ class StreamDictionary {
     }
     return false;
   }
+
+  std::size_t length = 0;  ///< of the data; the writer puts the true one into each dictionary
 
  private:
   std::size_t here() { return static_cast<std::size_t>(source.tellg()); }
@@ -75,10 +79,11 @@ bool splitStoredStream(const std::string& text, std::string& data, std::string& 
   const std::size_t end = text.rfind(kwendstream);
   if (word == std::string::npos || end == std::string::npos || end <= word) return false;
   std::string entries;
-  if (!StreamDictionary(text, word).read(entries)) return false;
+  StreamDictionary dictionary(text, word);
+  if (!dictionary.read(entries)) return false;
   const std::size_t from = word + std::string_view(kwstream).size() + lineEndBytes;
-  if (from > end) return false;
-  data.assign(text, from, end - from);
+  if (from > end || dictionary.length > end - from) return false;
+  data.assign(text, from, dictionary.length);
   filterEntries = std::move(entries);
   return true;
 }
