@@ -74,12 +74,23 @@ OutputDocument::OutputDocument(ByteSink& sink, const ObjectWriter::Options& opti
     : writer(sink, options), tree(writer), id(std::move(anId)) {}
 
 void OutputDocument::add(const Sheet& sheet) {
-  const int contents = writer.reserve();
-  writer.writePackedStream(contents, {}, contentOf(sheet));
+  const int contentsNumber = contentsFor(sheet);
   const int parent = tree.parentOfNext();
   const int page = writer.reserve();
-  writer.writeBody({page, 0}, pageOf(sheet, parent, contents));
+  writer.writeBody({page, 0}, pageOf(sheet, parent, contentsNumber));
   tree.add(page);
+}
+
+/// Sheets of pages of one size have the same content, but for the forms that its names stand for.
+int OutputDocument::contentsFor(const Sheet& sheet) {
+  const std::string content = contentOf(sheet);
+  const int fresh = writer.reserve();
+  const int number = contents.numberFor({}, content, fresh);
+  if (number == fresh)
+    writer.writePackedStream(number, {}, content);
+  else
+    writer.giveBack(fresh);
+  return number;
 }
 
 void OutputDocument::finish() {

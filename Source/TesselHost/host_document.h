@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "TesselHost/host_equalstreams.h"
 #include "TesselHost/host_form.h"
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_objects.h"
@@ -38,8 +39,11 @@ class OutputDocument {
   void finish();
 
  private:
+  int contentsFor(const Sheet& sheet);
+
   ObjectWriter writer;
   PageTree tree;
+  EqualStreams contents;
   std::string id;
 };
 

@@ -104,7 +104,7 @@ PageForm FormMaker::make(Source& source, int page) {
   const std::string dictionary = source.pages().getPageRootString(0);
   form.group = groupIn(dictionary);
   form.userUnit = userUnitIn(dictionary);
-  writeForm(source, page, *geometry, form, dictionary);
+  form.number = writeForm(source, page, *geometry, form, dictionary);
   writeObjects(source.pages());
   return form;
 }
@@ -125,15 +125,21 @@ void FormMaker::harvest(CTesselPage& page, int formNumber) {
   writer.reserveThrough(largestNumber(page, start));
 }
 
-void FormMaker::writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
-                          std::string_view dictionary) {
-  CTesselPage& reader = source.pages();
-  const std::string entries =
-      formEntries(geometry, form, use, resourcesOf(source, page, form.number, dictionary));
-  if (reader.getStoredContents(storedContents, storedFilters))
-    writer.writeStream(form.number, entries + storedFilters, storedContents);
+/// The number of the form's object: another one than `form` has when the output holds an equal one.
+int FormMaker::writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
+                         std::string_view dictionary) {
+  std::string entries = formEntries(geometry, form, use, resourcesOf(source, page, form.number, dictionary));
+  const bool stored = source.pages().getStoredContents(storedContents, storedFilters);
+  const std::string_view data = stored ? storedContents : contentsOf(source, page);
+  if (stored) entries += storedFilters;
+  const int number = forms.numberFor(entries, data, form.number);
+  if (number != form.number)
+    writer.giveBack(form.number);
+  else if (stored)
+    writer.writeStream(number, entries, data);
   else
-    writer.writePackedStream(form.number, entries, contentsOf(source, page));
+    writer.writePackedStream(number, entries, data);
+  return number;
 }
 
 std::string FormMaker::resourcesOf(Source& source, int page, int formNumber, std::string_view dictionary) {

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "TesselHost/host_equalstreams.h"
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_objects.h"
 #include "TesselHost/host_observer.h"
@@ -40,8 +41,8 @@ class FormMaker {
   bool select(Source& source, int page);
   void harvest(TESSEL::CTesselPage& page, int formNumber);
   void writeObjects(const TESSEL::CTesselPage& page);
-  void writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
-                 std::string_view dictionary);
+  int writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
+                std::string_view dictionary);
   std::string resourcesOf(Source& source, int page, int formNumber, std::string_view dictionary);
   std::string askForResources(Source& source, int page, int pageNumber);
   std::string_view contentsOf(Source& source, int page);
@@ -51,6 +52,7 @@ class FormMaker {
   Observer& observer;
   FormUse use;
   TESSEL::CTesselPage::StreamObjMap digests;  ///< streams that the output has
+  EqualStreams forms;
   std::string storedContents;
   std::string storedFilters;
 };

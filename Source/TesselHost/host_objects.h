@@ -46,6 +46,10 @@ class ObjectWriter {
   int reserve() { return next++; }
   /// The number that reserve would give.
   int nextNumber() const { return next; }
+  /// Takes a number back that nobody used, if it is the last one given; else it stays a free entry.
+  void giveBack(int number) {
+    if (number + 1 == next) next = number;
+  }
   /// Gives away all numbers up to this one.
   void reserveThrough(int number);
 

@@ -232,6 +232,16 @@ TEST_F(Nup, WritesEqualStreamsOfSeveralSourcesOnce) {
   EXPECT_EQ(complaintsAbout("out.pdf"), "");
 }
 
+TEST_F(Nup, WritesEqualPagesOnce) {
+  file("in.pdf", greys(2));
+  tessel({"nup", "in.pdf", "in.pdf", "-o", "out.pdf", "--grid", "1x1"});
+  EXPECT_EQ(shell("qpdf --show-npages out.pdf").out, "4\n");
+  EXPECT_EQ(countOf(contentOf("out.pdf"), "/Subtype/Form"), 2U);
+  EXPECT_EQ(countOf(contentOf("out.pdf"), "/P1 Do"), 1U);
+  EXPECT_TRUE(isGrey(picture("out.pdf", 4, Renderer::mupdf).at(0.5, 0.5), 51));
+  EXPECT_EQ(complaintsAbout("out.pdf"), "");
+}
+
 TEST_F(Nup, GivesEqualBytesForEqualInputsAndOptions) {
   file("in.pdf", greys(3));
   file("copy.pdf", greys(3));
