@@ -18,8 +18,8 @@ void appendBigEndian(std::string& out, unsigned long long value, int bytes) {
 
 }  // namespace
 
-void Deflater::Release::operator()(libdeflate_compressor* compressor) const {
-  libdeflate_free_compressor(compressor);
+void Deflater::Release::operator()(libdeflate_compressor* allocated) const {
+  libdeflate_free_compressor(allocated);
 }
 
 Deflater::Deflater() : compressor(libdeflate_alloc_compressor(packLevel)) {

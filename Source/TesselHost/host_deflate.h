@@ -18,7 +18,7 @@ class Deflater {
 
  private:
   struct Release {
-    void operator()(libdeflate_compressor* compressor) const;
+    void operator()(libdeflate_compressor* allocated) const;
   };
   std::unique_ptr<libdeflate_compressor, Release> compressor;
   std::string packed;

@@ -21,7 +21,8 @@ constexpr std::size_t smallestPackedStream = 32;
 
 std::string hex(std::string_view bytes) {
   std::string text;
-  for (const unsigned char byte : bytes) fmt::format_to(std::back_inserter(text), "{:02X}", byte);
+  for (const char byte : bytes)
+    fmt::format_to(std::back_inserter(text), "{:02X}", static_cast<unsigned char>(byte));
   return text;
 }
 
