@@ -57,15 +57,17 @@ void drawVector() {
 int decryptAES(unsigned char* data, int length, const std::string& key, Rijndael::KeyLength keyLength) {
   if (length < 2 * aesBlock || length % aesBlock != 0) return Rijndael::corruptedData;
   const int body = length - 2 * aesBlock;
-  unsigned char last[aesBlock];
+  // One key schedule serves both runs. The vector is that of the last block, which is looked at first; what
+  // it makes of the first block is mended.
+  unsigned char last[aesBlock], mend[aesBlock];
   Rijndael cipher;
   cipher.init(Rijndael::CBC, Rijndael::Decrypt, bytes::of(key.data()), keyLength, data + body);
   const int left = cipher.padDecrypt(data + body + aesBlock, aesBlock, last);
   if (left < 0) return left;
-  if (body > 0) {
-    cipher.init(Rijndael::CBC, Rijndael::Decrypt, bytes::of(key.data()), keyLength, data);
-    cipher.pdfDecrypt(data + aesBlock, body, data);
-  }
+  const auto sum = [](unsigned char a, unsigned char b) { return static_cast<unsigned char>(a ^ b); };
+  std::transform(data, data + aesBlock, data + body, mend, sum);
+  if (cipher.pdfDecrypt(data + aesBlock, body, data) > 0)
+    std::transform(data, data + aesBlock, mend, data, sum);
   std::copy_n(last, left, data + body);
   return body + left;
 }

@@ -40,6 +40,21 @@ int revisionFor(int method) {
   return method == pcrypt::Method::aesV3 ? 5 : 3;
 }
 
+/// Bytes of the vector and of the data with its padding.
+std::size_t aesSize(std::size_t size) { return aesBlock + (size / aesBlock + 1) * aesBlock; }
+
+/// Appends the initial vector and the data under it.
+void appendAES(std::string_view plain, const unsigned char* key, int version, std::string& out) {
+  const std::size_t begin = out.size();
+  out.resize(begin + aesSize(plain.size()));
+  unsigned char* const vector = pcrypt::bytes::of(out.data() + begin);
+  pcrypt::makeInitialVector(vector);
+  Rijndael cipher;
+  cipher.init(Rijndael::CBC, Rijndael::Encrypt, key,
+              version == aes256Version ? Rijndael::Key32Bytes : Rijndael::Key16Bytes, vector);
+  cipher.padEncrypt(pcrypt::bytes::of(plain.data()), static_cast<int>(plain.size()), vector + aesBlock);
+}
+
 }  // namespace
 
 void saveEncryptInfo(const CEncrypt& encrypt, EncryptInfo& info) {
@@ -87,30 +102,37 @@ int DecryptString(const CEncrypt& encrypt, const SObj* object, std::string& data
   return 0;
 }
 
-int encryptString(const CEncrypt& encrypt, const SObj* object, std::string& data) {
+std::size_t encryptedSize(const CEncrypt& encrypt, std::size_t size) {
+  return encrypt.V < firstAesVersion ? size : aesSize(size);
+}
+
+void appendEncrypted(const CEncrypt& encrypt, const SObj& object, std::string_view plain, std::string& out) {
   EncryptInfo info = keyInfo(encrypt);
   info.R = revisionFor(info.method);
   std::string key;
-  pcrypt::PDFEncryptionBase().calculateKey(object->objNum, object->genNum, info, key);
+  pcrypt::PDFEncryptionBase().calculateKey(object.objNum, object.genNum, info, key);
   if (info.V < firstAesVersion) {
-    pcrypt::PDFEncryptionRC4().RC4(pcrypt::bytes::of(data.data()), static_cast<int>(data.size()),
+    const std::size_t begin = out.size();
+    out.append(plain);
+    pcrypt::PDFEncryptionRC4().RC4(pcrypt::bytes::of(out.data() + begin), static_cast<int>(plain.size()),
                                    pcrypt::bytes::of(key.data()), static_cast<int>(key.size()));
-    return 0;
+    return;
   }
   // A key that is too short for the cipher counts as filled up with zero bytes.
   if (key.size() < longestAesKey) key.resize(longestAesKey, '\0');
-  return encryptAES(data, pcrypt::bytes::of(key.data()), info.V);
+  appendAES(plain, pcrypt::bytes::of(key.data()), info.V, out);
+}
+
+int encryptString(const CEncrypt& encrypt, const SObj* object, std::string& data) {
+  std::string result;
+  appendEncrypted(encrypt, *object, data, result);
+  data = std::move(result);
+  return 0;
 }
 
 int encryptAES(std::string& data, const unsigned char* key, int v) {
-  const std::size_t padded = (data.size() / aesBlock + 1) * aesBlock;
-  std::string result(aesBlock + padded, '\0');
-  unsigned char* const vector = pcrypt::bytes::of(result.data());
-  pcrypt::makeInitialVector(vector);
-  Rijndael cipher;
-  cipher.init(Rijndael::CBC, Rijndael::Encrypt, key,
-              v == aes256Version ? Rijndael::Key32Bytes : Rijndael::Key16Bytes, vector);
-  cipher.padEncrypt(pcrypt::bytes::of(data.data()), static_cast<int>(data.size()), vector + aesBlock);
+  std::string result;
+  appendAES(data, key, v, result);
   data = std::move(result);
   return 0;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "PDFEncryption/encryptinfo.h"
 #include "TesselPage/Structure/tessel_sobj.h"
@@ -25,6 +27,12 @@ int DecryptString(const CEncrypt& encrypt, const SObj* object, std::string& data
 /// Encrypts a string or a stream of `object` in place. The version chooses the cipher: RC4 below 4, else AES;
 /// the method only tells how the object's key is made. Always 0.
 int encryptString(const CEncrypt& encrypt, const SObj* object, std::string& data);
+
+/// Bytes that encryptString makes of `size` bytes.
+std::size_t encryptedSize(const CEncrypt& encrypt, std::size_t size);
+
+/// Appends to `out` what encryptString makes of `plain`, with no further copy.
+void appendEncrypted(const CEncrypt& encrypt, const SObj& object, std::string_view plain, std::string& out);
 
 /// Encrypts `data` in place with AES in CBC mode: 16 bytes of initial vector, then the data padded to whole
 /// blocks (ISO 32000-2, 7.6.3.1).

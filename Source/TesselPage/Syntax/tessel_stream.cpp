@@ -204,17 +204,16 @@ void CStreamType::decrypt(const CEncrypt& encrypt) {
 bool CStreamType::Write(CDestFile& dest, CSourFile&, long long lengthPos, long long lengthWidth) {
   dest.append(kw_r_n);
   body = body.substr(0, static_cast<std::size_t>(std::max(length, 0)));
-  std::string encrypted;
-  if (dest.encrypts() && length != 0) {
-    encrypted = body;
-    encryptString(dest.encrypt, &dest.currentObject, encrypted);
-    length = static_cast<int>(encrypted.size());
-  }
+  const bool encrypted = dest.encrypts() && !body.empty();
+  if (encrypted) length = static_cast<int>(encryptedSize(dest.encrypt, body.size()));
   if (lengthWidth >= 1) {
     const std::string value = ' ' + std::to_string(length) + ' ';
     dest.replace(static_cast<std::size_t>(lengthPos), static_cast<std::size_t>(lengthWidth), value);
   }
-  dest.append(encrypted.empty() ? body : encrypted);
+  if (encrypted)
+    appendEncrypted(dest.encrypt, dest.currentObject, body, dest);
+  else
+    dest.append(body);
   return true;
 }
 
