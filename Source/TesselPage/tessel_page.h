@@ -179,6 +179,9 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// leave from here on are encrypted under it and the number of the object that they go to. 16 bytes with
   /// revision 4 stand for AES-128, 32 bytes with revision 5 (also for a dictionary of revision 6) for
   /// AES-256, all others for RC4. The bytes are copied. Without this call all leaves in the clear.
+  /// The initial vectors of AES come from `rand`, unless the host has called
+  /// `pcrypt::PDFEncryptionManager::useSystemRandom`. Every host should: a 256-bit file key that is made
+  /// without it is one that everybody knows.
   /// @param length  bytes of the key
   /// @return 0; 8003 when `length` isn't from 5 to 32, and nothing is changed
   int setEncryptKey(const unsigned char* key, int length, int revision);

@@ -8,6 +8,7 @@
 
 #include "PDFEncryption/encryptionmanager.h"
 #include "TesselPage/Interface/tessel_outputkey.h"
+#include "TesselPage/Interface/tessel_page_state.h"
 #include "TesselPage/Security/tessel_encrypt.h"
 #include "TesselPage/Security/tessel_encryptbridge.h"
 #include "TesselPage/tessel_page.h"
@@ -644,6 +645,15 @@ TEST_F(StreamLengths, OfAStreamWithoutOneStayMissing) {
   const std::string before = text(5);
   roundStreamLengths(*open);
   EXPECT_EQ(text(5), before);
+}
+
+TEST_F(StreamLengths, OfTheEmptyFormThatStandsInForAnObjectStays) {
+  setKey(*open, makeSecurity(outputKinds[2]), outputKinds[2]);
+  text(5) = EMPTY_FORM_TEXT;
+  exemptStrings(*open, open->find({5, 0}));
+  roundStreamLengths(*open);
+  EXPECT_EQ(text(5),
+            "<</Type/XObject /Subtype/Form /Length 0 /BBox[0.0 0.0 1.0 1.0] >>\r\nstream\r\nendstream\r\n");
 }
 
 TEST_F(StreamLengths, CiphertextThatEndsLikeALineEndCountsWhole) {
