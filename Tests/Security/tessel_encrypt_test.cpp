@@ -363,6 +363,43 @@ TEST(EncryptDictionary, NoKeyIsSearchedForAnotherHandler) {
   EXPECT_EQ(source->fileInfo.encrypt.accessState, CEncrypt::openedByEmptyPassword);
 }
 
+TEST(EncryptDictionary, OfAnEnemyEndsWithAResult) {
+  const std::string big(1000, 'x');
+  const std::string aes = "/CF<</StdCF<</CFM/AESV3>>>>";
+  const std::string rows[] = {
+      "/V 9/R 9/P -4/O(o)/U(u)",
+      "/V 2147483647/R 2147483647",
+      "/V 2/R 3/Length 2147483647/O(o)/U(u)",
+      "/V 2/R 3/Length 2147483648/O(o)/U(u)",
+      "/V 2/R 3/Length 7/O(o)/U(u)",
+      "/V 4/R 4/Length -128/CF<</StdCF<</CFM/AESV2>>>>",
+      "/V 4/R 4/Length 8/CF<</StdCF<</CFM/AESV2>>>>",
+      "/V 5/R 5" + aes,
+      "/V 5/R 6" + aes,
+      "/V 5/R 6/Length 40" + aes + "/O(ooooo)/U(uuuuu)/OE()/UE(u)/Perms(p)",
+      "/V 5/R 6" + aes + "/O(" + big + ")/U(" + big + ")/OE(" + big + ")/UE(" + big + ")/Perms(" + big + ")",
+      "/V 2/R 3/CF<<",
+      "/V 2/R 3/CF<</StdCF<<",
+      "/O",
+      "/Filter",
+      "/P",
+  };
+  for (const std::string& entries : rows) {
+    OpenPage open = pdf()
+                        .onePage("/Contents 4 0 R/Resources<</P<</S(abc)/H<" + std::string(64, '4') + ">>>>>")
+                        .stream(4, "", std::string(48, 'c'))
+                        .object(9, "<</Filter/Standard" + entries + ">>")
+                        .trailer("/Encrypt 9 0 R")
+                        .openPage("password");
+    EXPECT_TRUE(open.result == 0 || open.result == Result::xrefNotReadable) << open.result << entries;
+    if (open.result != 0) continue;
+    const std::string* content = nullptr;
+    open->setPageNo(1);
+    EXPECT_EQ(open->getPageContents(&content), 0) << entries;
+    EXPECT_NE(open->getPageRootString(0).find("/Resources"), std::string::npos) << entries;
+  }
+}
+
 TEST(EncryptDictionary, AnInfoObjectOutsideTheTableLeavesTheDictionaryUnread) {
   const Source source = pdf()
                             .onePage("")
