@@ -167,3 +167,32 @@ TEST(CopyObject, EmptyTableDropsEveryEntryWithAReference) {
   EXPECT_EQ(copied("<</Type/Catalog/Pages 2 0 R/Lang(de)/Names 8 0 R>>"),
             whole("<</Type/Catalog/Lang(de)>>", true));
 }
+
+TEST(CopyObject, OfADamagedFileIsTheSameFromMemoryAndFromAStream) {
+  const std::string object =
+      "7 0 obj\n<</Length 9 0 R/A(x\\101)/B<4a4>/C[8 0 R]>>stream\nhello\nendstream\nendobj\n";
+  const std::string good =
+      document().object(7, object.substr(8, object.size() - 16)).object(8, "[8]").object(9, "5").build();
+  const std::size_t start = good.find(object);
+  ASSERT_NE(start, std::string::npos);
+  for (std::size_t i = 0; i < object.size(); ++i)
+    for (const char damage : {'\0', ' ', '<', '(', '9'}) {
+      std::string file = good;
+      file[start + i] = damage;
+      copyAs<CObj>(file, 7, {{8, 80}});  // expects equal copies
+    }
+}
+
+TEST(CopyObject, OfAFileCutAnywhereIsTheSameFromMemoryAndFromAStream) {
+  const std::string body = "<</Length 3/A 8 0 R>>stream\nhello\nendstream ";
+  const std::string good = document().object(7, body).build();
+  const Source known = PdfBuilder::openBytes(good);
+  for (std::size_t size = good.find(body); size < good.size(); ++size) {
+    const std::string text = good.substr(0, size);
+    std::istringstream in(text);
+    CSourFile streamed(in);
+    CSourFile mapped(text);
+    streamed.fileInfo.entries = mapped.fileInfo.entries = known->fileInfo.entries;
+    EXPECT_EQ(copyFrom<CObj>(streamed, 7, {}, false), copyFrom<CObj>(mapped, 7, {}, false)) << size;
+  }
+}

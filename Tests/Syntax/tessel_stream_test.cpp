@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <sstream>
 #include <string>
 
@@ -123,6 +124,37 @@ TEST(StreamBody, EndWordMayBeTheFilesLast) { expectRead({5, "\nhello\nendstream"
 TEST(StreamBody, WithoutAnEndWordFailsWithWhatTheLengthTells) {
   expectRead({3, "\nhello\nend", "hel", ""}, false);
   expectRead({300, "\nhello\nend", "hello\nend", ""}, false);
+}
+
+TEST(StreamBody, MissingEndWordsAreSearchedForOnce) {
+  constexpr std::size_t bodies = 40000;
+  constexpr std::string_view body = "\nabc 1 0 obj stream";
+  std::string file;
+  for (std::size_t i = 0; i < bodies; ++i) file += body;
+  CSourFile source(file);
+  const auto start = std::chrono::steady_clock::now();
+  for (std::size_t i = 0; i < bodies; ++i) {
+    source.clear();
+    source.seekg(static_cast<std::streamoff>(i * body.size()));
+    CStreamType stream(SObj(1, 0));
+    stream.length = 3;
+    ASSERT_FALSE(stream.Read(source));
+    ASSERT_EQ(source.noEndWordFrom, 4);
+  }
+  // A search of the file for each body takes more than ten times as long.
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+}
+
+TEST(StreamBody, EndWordInFrontOfAFailedSearchIsStillFound) {
+  CSourFile source(std::string("\nabc\nendstream\nxyz\nendless"));
+  source.seekg(15);
+  EXPECT_FALSE(readBody(source, 1).result);
+  source.clear();
+  source.seekg(0);
+  EXPECT_EQ(readBody(source, 1).body, "abc\n");
+  source.clear();
+  source.seekg(0);
+  EXPECT_EQ(readBody(source, 9).body, "abc\n");
 }
 
 TEST(StreamBody, WithoutALineEndIsNotRead) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <istream>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -86,6 +87,9 @@ class CSourFile : public std::istream {
   long long headerOffset = 0;                  ///< position of "%PDF-"
   std::set<SObj> xrefStreamObjs;               ///< cross-reference streams, which are never copied
   bool isSubSource = false;
+  /// No "endstream" begins at this position or behind it: found once, so that many bodies without an end word
+  /// don't each search the rest of the file.
+  std::streamoff noEndWordFrom = std::numeric_limits<std::streamoff>::max();
   int curPage = 0;  ///< the page that is being read, from 1
   SourceSwitches switches;
 

@@ -113,7 +113,8 @@ long long SpanCopier::place() const {
 }
 
 void SpanCopier::copyTo(long long end) {
-  if (end <= mark) return;
+  // A failed stream gives no more bytes, wherever they lie.
+  if (end <= mark || !source.good()) return;
   appendSpan(mark, end);
   mark = end;
 }

@@ -58,18 +58,22 @@ class StreamBytes {
 
   /// Reads on, up to the word "endstream", which stays. False when the file ends before.
   bool readToEndWord() {
-    if (inMemory) return searchInMemory();
-    const std::size_t had = size;
-    for (std::size_t searched = had;;) {
-      const bool more = gather(searchBlock);
-      const std::size_t place = gathered.find(endWord, searched);
-      if (place != std::string::npos || !more) {
-        const bool found = place != std::string::npos;
-        found ? cut(place) : forgetBehind(had);
-        return found;
-      }
-      searched = std::max(had, size - std::min(size, endWord.size() - 1));
-    }
+    if (start + static_cast<std::streamoff>(size) < source.noEndWordFrom && search()) return true;
+    noteNoEndWord(size);
+    source.setstate(std::ios_base::eofbit | std::ios_base::failbit);
+    return false;
+  }
+
+  /// Where the last "endstream" among the bytes begins; npos when there is none.
+  std::size_t lastEndWord() const {
+    const std::streamoff searchable = source.noEndWordFrom - start;
+    if (searchable <= 0) return std::string_view::npos;
+    return view().rfind(endWord, static_cast<std::size_t>(searchable - 1));
+  }
+
+  /// Tells the source that the rest of the file from the body's n-th byte on has no end word.
+  void noteNoEndWord(std::size_t n) {
+    source.noEndWordFrom = std::min(source.noEndWordFrom, start + static_cast<std::streamoff>(n));
   }
 
   /// Makes the body the first `n` bytes behind its start and puts the stream there.
@@ -113,14 +117,27 @@ class StreamBytes {
     return source.good();
   }
 
+  bool search() { return inMemory ? searchInMemory() : searchOnwards(); }
+
   bool searchInMemory() {
     const std::size_t place = file.find(endWord, begin() + size);
-    if (place == file.npos) {
-      source.setstate(std::ios_base::eofbit | std::ios_base::failbit);
-      return false;
-    }
+    if (place == file.npos) return false;
     cut(place - begin());
     return true;
+  }
+
+  bool searchOnwards() {
+    const std::size_t had = size;
+    for (std::size_t searched = had;;) {
+      const bool more = gather(searchBlock);
+      const std::size_t place = gathered.find(endWord, searched);
+      if (place != std::string::npos || !more) {
+        const bool found = place != std::string::npos;
+        found ? cut(place) : forgetBehind(had);
+        return found;
+      }
+      searched = std::max(had, size - std::min(size, endWord.size() - 1));
+    }
   }
 
   CSourFile& source;
@@ -158,9 +175,10 @@ bool cutAcross(StreamBytes& bytes, const TokenBehind& token) {
 /// /Length was wrong: the body ends at the last "endstream" in it, less the byte in front, else at the next
 /// behind it.
 void repairLength(StreamBytes& bytes, const TokenBehind& token, bool complete) {
-  const std::size_t place = bytes.view().rfind(endWord);
+  const std::size_t place = bytes.lastEndWord();
   if (place != std::string_view::npos) return bytes.cut(place == 0 ? 0 : place - 1);
-  if (!complete || cutAcross(bytes, token)) return;
+  if (!complete) return bytes.noteNoEndWord(0);
+  if (cutAcross(bytes, token)) return;
   bytes.cut(bytes.length());
   bytes.readToEndWord();
 }
