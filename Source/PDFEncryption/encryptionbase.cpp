@@ -91,7 +91,9 @@ void PDFEncryptionBase::caculateHashR6(std::string& result, const std::string& p
   std::string k = hash.substr(0, hashSize);
   k.resize(hashSize, '\0');
   for (int round = 0;; ++round) {
-    const std::string e = chainEncrypt128(repeated(password + k + tail, copies), k);
+    std::string block = password;
+    block.append(k).append(tail);
+    const std::string e = chainEncrypt128(repeated(block, copies), k);
     if (e.empty()) break;
     k = selectedHash(e);
     if (round >= lastSureRound && round - roundSlack >= static_cast<unsigned char>(e.back())) break;

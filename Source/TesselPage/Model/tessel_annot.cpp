@@ -176,7 +176,7 @@ bool CAnnot::getFieldInfo(CSourFile*, CSourFile& source, std::string& fieldType,
   return source.good();
 }
 
-bool CAnnot::ReadParent(CSourFile& source, SObj parent, std::string& fieldType, int& fieldFlags) {
+bool CAnnot::ReadParent(CSourFile& source, const SObj& parent, std::string& fieldType, int& fieldFlags) {
   IdentityGuard own(*this);
   id = parent;
   CSourFile& main = source.mainSource();

@@ -44,7 +44,7 @@ class CAnnot : public CObj {
   /// /FT and /Ff of the object at hand; position restored. Whether the stream's state is good.
   bool getFieldInfo(CSourFile* main, CSourFile& source, std::string& fieldType, int& fieldFlags);
   /// The same of a parent field, wherever it lies.
-  bool ReadParent(CSourFile& source, SObj parent, std::string& fieldType, int& fieldFlags);
+  bool ReadParent(CSourFile& source, const SObj& parent, std::string& fieldType, int& fieldFlags);
 
   /// Sets ObjFlag::keptByAnnotFilter in `flags` when the host wants the subtype.
   void checkEnableAnnots(const std::string& subtype, TESSEL_AnnotsEnableE enable, int& flags,
