@@ -146,6 +146,14 @@ std::string_view valueOfKey(std::string_view text, std::string_view key) {
   }
 }
 
+std::string_view nextString(std::string_view text, std::size_t from) {
+  Cursor cursor(text);
+  cursor.moveTo(from);
+  auto token = cursor.next();
+  while (!token.empty() && token[0] != '(' && (token[0] != '<' || token == "<<")) token = cursor.next();
+  return token;
+}
+
 std::string_view insideOf(std::string_view value) {
   const bool dictionary =
       value.size() >= 4 && value.substr(0, 2) == "<<" && value.substr(value.size() - 2) == ">>";

@@ -13,6 +13,10 @@ std::string_view valueAt(std::string_view text);
 /// don't count. Empty when there is no such key. A view into `text`.
 std::string_view valueOfKey(std::string_view text, std::string_view key);
 
+/// The first string at or behind `from` (ISO 32000-2, 7.3.4), literal or hexadecimal, with its brackets.
+/// Empty when there is none. A view into `text`.
+std::string_view nextString(std::string_view text, std::size_t from);
+
 /// What stands between the brackets of a dictionary; empty when `value` is none.
 std::string_view insideOf(std::string_view value);
 

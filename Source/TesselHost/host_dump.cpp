@@ -21,15 +21,19 @@ constexpr std::array boxNames = {"media", "crop", "bleed", "trim", "art"};
 class Dumper {
  public:
   Dumper(const DumpOptions& someOptions, ByteSink& aSink)
-      : options(someOptions), sink(aSink), reader(someOptions.input.c_str(), ""), start(someOptions.start) {}
+      : options(someOptions),
+        sink(aSink),
+        reader(someOptions.input.c_str(), someOptions.password),
+        start(someOptions.start) {}
 
-  int open() {
-    const int result = reader.init();
+  Opening open() {
+    const Opening opening = openReader(reader, options.password);
+    const int result = opening.result;
     json.beginObject().key("init").value(result).key("pages");
     json.value(result == Result::success ? reader.getPageCount() : 0).key("root");
     result == Result::success ? bytes(reader.getRootString(0)) : void(json.null());
     endLine();
-    return result;
+    return opening;
   }
 
   std::vector<int> pages() const { return options.pages.pagesOf(reader.getPageCount()); }
@@ -129,16 +133,17 @@ class Dumper {
 
 }  // namespace
 
-int dump(const DumpOptions& options, ByteSink& sink, Observer& observer) {
+Opening dump(const DumpOptions& options, ByteSink& sink, Observer& observer) {
   Dumper dumper(options, sink);
-  if (const int result = dumper.open(); result != Result::success) return result;
+  const Opening opening = dumper.open();
+  if (opening.result != Result::success) return opening;
   const std::vector<int> pages = dumper.pages();
   int done = 0;
   for (const int page : pages) {
     dumper.page(page);
     if (!observer.progress(++done, static_cast<int>(pages.size()))) throw Interrupted();
   }
-  return Result::success;
+  return opening;
 }
 
 }  // namespace TesselHost

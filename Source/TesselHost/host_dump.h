@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "TesselHost/host_access.h"
 #include "TesselHost/host_observer.h"
 #include "TesselHost/host_output.h"
 #include "TesselHost/host_range.h"
@@ -10,6 +11,7 @@ namespace TesselHost {
 
 struct DumpOptions {
   std::string input;
+  std::string password;  ///< ignored when none is needed
   PageRange pages;
   int start = 1;         ///< first object number of the output
   bool summary = false;  ///< SHA-256 digests in hexadecimal in place of the bytes in base64
@@ -17,7 +19,7 @@ struct DumpOptions {
 
 /// Writes what the library hands over for a document as JSON lines: one for the document, one for each page.
 ///
-/// @return the library's result of opening the file; when it isn't 0 the first line stands alone
-int dump(const DumpOptions& options, ByteSink& sink, Observer& observer);
+/// @return how opening went; when the result isn't 0 the first line stands alone
+Opening dump(const DumpOptions& options, ByteSink& sink, Observer& observer);
 
 }  // namespace TesselHost

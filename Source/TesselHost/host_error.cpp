@@ -40,11 +40,13 @@ std::string reasonOf(int code) {
   return found == reasons.end() ? "unknown failure" : found->words;
 }
 
-SourceError::SourceError(const std::string& file, int code)
-    : HostError(fmt::format("{}: {} ({})", file, reasonOf(code), code)), resultCode(code) {}
+SourceError::SourceError(const std::string& file, int code) : SourceError(file, code, reasonOf(code)) {}
+
+SourceError::SourceError(const std::string& file, int code, const std::string& reason)
+    : HostError(fmt::format("{}: {} ({})", file, reason, code)), resultCode(code), words(reason) {}
 
 SourceError::SourceError(const std::string& file, const std::string& reason)
-    : HostError(fmt::format("{}: {}", file, reason)) {}
+    : HostError(fmt::format("{}: {}", file, reason)), words(reason) {}
 
 OutputError::OutputError(const std::string& path, const std::string& what, int error)
     : HostError(error == 0 ? fmt::format("{}: {}", path, what)

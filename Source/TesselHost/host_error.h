@@ -22,13 +22,18 @@ class SourceError : public HostError {
  public:
   /// @param code  a result of the library (TESSEL::Result)
   SourceError(const std::string& file, int code);
+  /// The same where the host knows more of the reason than the code tells.
+  SourceError(const std::string& file, int code, const std::string& reason);
   /// A source that can be read and yet gives nothing to work with.
   SourceError(const std::string& file, const std::string& reason);
   /// The library's result, 0 when the reason isn't one of its.
   int code() const { return resultCode; }
+  /// what() without the file and the code.
+  const std::string& reason() const { return words; }
 
  private:
   int resultCode = 0;
+  std::string words;
 };
 
 /// The output can't be written: a full disk, a closed pipe, a directory that isn't there.

@@ -120,6 +120,7 @@ void FormMaker::harvest(CTesselPage& page, int formNumber) {
   page.setOld2NewObjectVector(page.getNewObjectPairs());
   page.setStreamObjMap(&digests);
   page.setCurPageObj(formNumber, 0);
+  if (writer.protection()) writer.protection()->giveKeyTo(page);
   const int start = writer.nextNumber();
   page.setStartObjNo(start);
   writer.reserveThrough(largestNumber(page, start));
@@ -148,7 +149,10 @@ std::string FormMaker::resourcesOf(Source& source, int page, int formNumber, std
   const std::string_view own = valueOfKey(dictionary, "/Resources");
   if (isDictionary(own) || isWrittenReference(own, source.pages())) return std::string(own);
   const std::string indirect = askForResources(source, page, 0);
-  return isBlankDictionary(indirect) ? askForResources(source, page, formNumber) : indirect;
+  if (!isBlankDictionary(indirect)) return indirect;
+  std::string inherited = askForResources(source, page, formNumber);
+  // Asked with a number the library encrypts for it; the writer wants plain text.
+  return writer.protection() ? writer.protection()->withStringsDecrypted(formNumber, inherited) : inherited;
 }
 
 std::string FormMaker::askForResources(Source& source, int page, int pageNumber) {
@@ -171,7 +175,7 @@ void FormMaker::writeObjects(const CTesselPage& page) {
   for (const auto& [object, body] : page) {
     // An object that couldn't be read stays a free entry, which is null to a reader.
     if (body.empty()) continue;
-    writer.writeBody(object, body);
+    writer.writeHarvested(object, body);
     std::string digest = page.getStreamDigest(object);
     if (!digest.empty()) digests.emplace(std::move(digest), object);
   }

@@ -113,6 +113,28 @@ std::string headerVersion(const Source& source) {
   return PdfVersion::parse(source.pages().getHeaderVersion()).text();
 }
 
+std::string accessText(const Access& access) {
+  std::string allowed;
+  for (const std::string& word : access.permissions().words(access.revision()))
+    allowed += (allowed.empty() ? "" : ", ") + word;
+  return fmt::format(
+      "  encrypted with {}, revision {}{}, opened with {}; allowed without the owner password: {}\n",
+      access.method(), access.revision(), access.metadataEncrypted() ? "" : ", metadata in the clear",
+      access.opener(), allowed.empty() ? "nothing" : allowed);
+}
+
+void writeAccessJson(JsonWriter& json, const Access& access) {
+  if (!access.encrypted()) {
+    json.null();
+    return;
+  }
+  json.beginObject().key("method").value(access.method()).key("revision").value(access.revision());
+  json.key("metadataEncrypted").value(access.metadataEncrypted());
+  json.key("openedWith").value(access.openerWord()).key("allowed").beginArray();
+  for (const std::string& word : access.permissions().words(access.revision())) json.value(word);
+  json.endArray().endObject();
+}
+
 void endLine(JsonWriter& json, ByteSink& sink) {
   json.endObject();
   sink.write(json.text());
@@ -121,11 +143,12 @@ void endLine(JsonWriter& json, ByteSink& sink) {
 
 }  // namespace
 
-void describe(const std::string& file, ByteSink& sink) {
-  const Source source(file);
+void describe(const std::string& file, const std::string& password, ByteSink& sink) {
+  const Source source(file, password);
   const int count = source.pageCount();
   sink.write(
       fmt::format("{}: PDF {}, {} page{}\n", file, headerVersion(source), count, count == 1 ? "" : "s"));
+  if (const Access access = source.access(); access.encrypted()) sink.write(accessText(access));
   int first = 1;
   PageFacts facts;
   for (int page = 1; page <= count; ++page) {
@@ -139,10 +162,12 @@ void describe(const std::string& file, ByteSink& sink) {
   if (count > 0) sink.write(runText(first, count, facts));
 }
 
-void describeAsJson(const std::string& file, ByteSink& sink) {
-  const Source source(file);
+void describeAsJson(const std::string& file, const std::string& password, ByteSink& sink) {
+  const Source source(file, password);
   JsonWriter json;
   json.beginObject().key("file").value(file).key("version").value(headerVersion(source));
+  json.key("encryption");
+  writeAccessJson(json, source.access());
   json.key("pageCount").value(source.pageCount()).key("pages").beginArray();
   for (int page = 1; page <= source.pageCount(); ++page)
     writePageJson(json, page, factsOf(source.pages(), page));

@@ -7,11 +7,13 @@
 namespace TesselHost {
 
 /// Tells a person what a file holds: version, pages, and for each run of like pages boxes, visible size,
-/// rotation. Throws SourceError when the file can't be used.
-void describe(const std::string& file, ByteSink& sink);
+/// rotation; of an encrypted one also how it is protected and what it allows. Throws SourceError when the
+/// file can't be used.
+/// @param password  ignored when none is needed
+void describe(const std::string& file, const std::string& password, ByteSink& sink);
 
 /// The same for programs, as one line of JSON with each page by itself.
-void describeAsJson(const std::string& file, ByteSink& sink);
+void describeAsJson(const std::string& file, const std::string& password, ByteSink& sink);
 
 /// The line of JSON that stands for a file that can't be used.
 /// @param code  result of the library, 0 when the reason isn't one of its

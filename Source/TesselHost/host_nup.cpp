@@ -24,10 +24,18 @@ struct Input {
   std::unordered_map<int, PageForm> forms;
 };
 
+void refuseForbidden(const Source& source) {
+  if (!source.access().mayPlace())
+    throw SourceError(source.path(),
+                      "its permissions forbid to modify or assemble it; its owner password or "
+                      "--ignore-permissions would do");
+}
+
 std::vector<Input> openInputs(const NupOptions& options) {
   std::vector<Input> inputs;
   for (const std::string& path : options.inputs) {
-    Input input{std::make_unique<Source>(path), {}, {}};
+    Input input{std::make_unique<Source>(path, options.password), {}, {}};
+    if (!options.ignorePermissions) refuseForbidden(*input.source);
     input.pages = options.pages.pagesOf(input.source->pageCount());
     inputs.push_back(std::move(input));
   }
@@ -153,6 +161,15 @@ PdfVersion versionFor(const NupOptions& options, const std::vector<Input>& input
   return version;
 }
 
+ObjectWriter::Options writerOptions(const NupOptions& options, const std::vector<Input>& inputs,
+                                    const std::optional<OutputProtection>& protection) {
+  ObjectWriter::Options result{versionFor(options, inputs), options.objectStreams};
+  if (!protection) return result;
+  result.version = std::max(result.version, protection->version());
+  result.protection = &*protection;
+  return result;
+}
+
 void addFile(Fingerprint& fingerprint, const std::string& path) {
   constexpr std::size_t blockSize = std::size_t{1} << 18U;
   std::ifstream file(path, std::ios::binary);
@@ -210,9 +227,11 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   const int pages = countPages(inputs);
   if (pages == 0) throw SourceError(options.inputs.front(), "no page to place");
   const SheetPlan plan(options, inputs);
+  const std::string id = options.protection ? randomIdentifier() : identifierFor(options, inputs);
+  std::optional<OutputProtection> protection;
+  if (options.protection) protection.emplace(*options.protection, id);
   OutputFile file(options.output);
-  OutputDocument document(file, {versionFor(options, inputs), options.objectStreams},
-                          identifierFor(options, inputs));
+  OutputDocument document(file, writerOptions(options, inputs, protection), id);
   FormMaker maker(document.objects(), observer, plan.formUse());
   SheetFiller filler(options, plan, document);
   fillSheets(inputs, maker, filler, observer);

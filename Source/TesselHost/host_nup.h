@@ -1,11 +1,13 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_observer.h"
 #include "TesselHost/host_paper.h"
+#include "TesselHost/host_protection.h"
 #include "TesselHost/host_range.h"
 
 namespace TesselHost {
@@ -18,8 +20,11 @@ struct NupOptions {
   Paper paper;         ///< "auto" takes cells of the largest page's size, or of each page's own on a 1x1 grid
   PageRange pages;     ///< applies to each input
   Spacing spacing;
-  bool frame = false;          ///< a thin line around each page
-  bool objectStreams = false;  ///< a smaller file, for readers of PDF 1.5 and later
+  bool frame = false;                           ///< a thin line around each page
+  bool objectStreams = false;                   ///< a smaller file, for readers of PDF 1.5 and later
+  std::string password;                         ///< of whichever inputs need one
+  bool ignorePermissions = false;               ///< place also what its author didn't want placed
+  std::optional<ProtectionOptions> protection;  ///< encrypts the output
 };
 
 /// What came of it.

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "TesselHost/host_error.h"
+#include "TesselHost/host_strings.h"
 
 namespace TesselHost {
 
@@ -19,18 +20,12 @@ constexpr std::size_t objectsPerStream = 200;
 constexpr std::size_t bytesPerObjectStream = 64U * 1024U;
 constexpr std::size_t smallestPackedStream = 32;
 
-std::string hex(std::string_view bytes) {
-  std::string text;
-  for (const char byte : bytes)
-    fmt::format_to(std::back_inserter(text), "{:02X}", static_cast<unsigned char>(byte));
-  return text;
-}
-
-std::string trailerEntries(const Trailer& trailer, int size) {
-  const std::string id = hex(trailer.id);
-  std::string text = fmt::format("/Size {}/Root {}", size, referenceTo(trailer.root));
+std::string trailerEntries(const Trailer& trailer, int encryption) {
+  const std::string id = hexString(trailer.id);
+  std::string text = fmt::format("/Root {}", referenceTo(trailer.root));
   if (trailer.info != 0) text += "/Info " + referenceTo(trailer.info);
-  return text + fmt::format("/ID[<{}><{}>]", id, id);
+  if (encryption != 0) text += "/Encrypt " + referenceTo(encryption);
+  return text + fmt::format("/ID[{}{}]", id, id);
 }
 
 bool holdsStream(std::string_view body) { return body.rfind("endstream") != std::string_view::npos; }
@@ -89,8 +84,19 @@ void ObjectWriter::beginObject(const Identity& object) {
 }
 
 void ObjectWriter::writeBody(const Identity& object, std::string_view body) {
-  // Only plain objects of generation 0 may lie in an object stream (ISO 32000-2, 7.5.7).
-  if (options.objectStreams && object.second == 0 && !holdsStream(body)) return collect(object.first, body);
+  // Only objects of generation 0 may lie in an object stream, which is encrypted as a whole (ISO 32000-2,
+  // 7.5.7).
+  if (options.objectStreams && object.second == 0) return collect(object.first, body);
+  if (!options.protection) return writePlainBody(object, body);
+  writePlainBody(object, options.protection->withStringsEncrypted(object.first, body));
+}
+
+void ObjectWriter::writeHarvested(const Identity& object, std::string_view body) {
+  const bool collectable = !options.protection && !holdsStream(body);
+  return collectable ? writeBody(object, body) : writePlainBody(object, body);
+}
+
+void ObjectWriter::writePlainBody(const Identity& object, std::string_view body) {
   beginObject(object);
   put(scratch);
   put(body);
@@ -98,6 +104,12 @@ void ObjectWriter::writeBody(const Identity& object, std::string_view body) {
 }
 
 void ObjectWriter::writeStream(int number, std::string_view dictionaryEntries, std::string_view data) {
+  if (!options.protection) return writePlainStream(number, dictionaryEntries, data);
+  writePlainStream(number, options.protection->withStringsEncrypted(number, dictionaryEntries),
+                   options.protection->encrypted(number, data));
+}
+
+void ObjectWriter::writePlainStream(int number, std::string_view dictionaryEntries, std::string_view data) {
   beginObject({number, 0});
   fmt::format_to(std::back_inserter(scratch), "<<{}/Length {}>>\nstream\n", dictionaryEntries, data.size());
   put(scratch);
@@ -146,10 +158,19 @@ void ObjectWriter::flushObjectStream() {
 
 void ObjectWriter::finish(const Trailer& trailer) {
   flushObjectStream();
-  options.objectStreams ? writeCrossReferenceStream(trailer) : writeTable(trailer);
+  const std::string last = trailerEntries(trailer, writeEncryption());
+  options.objectStreams ? writeCrossReferenceStream(last) : writeTable(last);
 }
 
-void ObjectWriter::writeTable(const Trailer& trailer) {
+/// The number of the encryption dictionary; 0 when there is none.
+int ObjectWriter::writeEncryption() {
+  if (!options.protection) return 0;
+  const int number = reserve();
+  writePlainBody({number, 0}, options.protection->dictionary());
+  return number;
+}
+
+void ObjectWriter::writeTable(const std::string& trailer) {
   const std::uint64_t start = offset;
   if (start > largestTableOffset)
     throw OutputError("the output", "too large for a classic cross-reference table; object streams have room",
@@ -157,7 +178,7 @@ void ObjectWriter::writeTable(const Trailer& trailer) {
   entries.resize(static_cast<std::size_t>(next));
   put(fmt::format("xref\n0 {}\n", next));
   writeTableRows();
-  put(fmt::format("trailer\n<<{}>>\n", trailerEntries(trailer, next)));
+  put(fmt::format("trailer\n<</Size {}{}>>\n", next, trailer));
   writeEnd(start);
 }
 
@@ -176,7 +197,7 @@ void ObjectWriter::writeTableRows() {
   put(scratch);
 }
 
-void ObjectWriter::writeCrossReferenceStream(const Trailer& trailer) {
+void ObjectWriter::writeCrossReferenceStream(const std::string& trailer) {
   const std::uint64_t start = offset;
   const int number = reserve();
   entries.resize(static_cast<std::size_t>(next));
@@ -196,12 +217,10 @@ void ObjectWriter::writeCrossReferenceStream(const Trailer& trailer) {
     appendPredicted(rows, row, above);
     above.swap(row);
   }
-  writeStream(
-      number,
-      fmt::format("/Type/XRef/W[{} {} {}]/Filter/FlateDecode/DecodeParms<</Predictor {}/Columns {}>>{}",
-                  kindBytes, placeBytes, detailBytes, predictorParameter, columns,
-                  trailerEntries(trailer, next)),
-      deflater.pack(rows));
+  const std::string dictionary = fmt::format(
+      "/Type/XRef/W[{} {} {}]/Filter/FlateDecode/DecodeParms<</Predictor {}/Columns {}>>/Size {}{}",
+      kindBytes, placeBytes, detailBytes, predictorParameter, columns, next, trailer);
+  writePlainStream(number, dictionary, deflater.pack(rows));
   writeEnd(start);
 }
 

@@ -8,6 +8,7 @@
 
 #include "TesselHost/host_deflate.h"
 #include "TesselHost/host_output.h"
+#include "TesselHost/host_protection.h"
 #include "TesselHost/host_version.h"
 
 namespace TesselHost {
@@ -37,6 +38,8 @@ class ObjectWriter {
     /// Objects that aren't streams go packed into object streams, and the file ends in a cross-reference
     /// stream (ISO 32000-2, 7.5.7, 7.5.8).
     bool objectStreams = false;
+    /// Encrypts what is written; null for none. Must outlive the writer.
+    const OutputProtection* protection = nullptr;
   };
 
   /// Writes the file's header. The sink must outlive the writer.
@@ -53,9 +56,15 @@ class ObjectWriter {
   /// Gives away all numbers up to this one.
   void reserveThrough(int number);
 
-  /// An object by its body, stream or not; white space around the body is the body's own matter.
+  /// What encrypts the output; null when nothing does.
+  const OutputProtection* protection() const { return options.protection; }
+
+  /// An object that the host made, by its body, which is no stream; white space around the body is the body's
+  /// own matter.
   void writeBody(const Identity& object, std::string_view body);
-  /// A stream object.
+  /// An object that the library handed over, stream or not. In an encrypted output it comes encrypted.
+  void writeHarvested(const Identity& object, std::string_view body);
+  /// A stream object that the host made.
   /// @param entries  entries of its dictionary, without /Length
   void writeStream(int number, std::string_view entries, std::string_view data);
   /// A stream object whose data is packed here, if that makes it smaller.
@@ -73,13 +82,16 @@ class ObjectWriter {
   };
 
   void put(std::string_view bytes);
+  void writePlainBody(const Identity& object, std::string_view body);
+  void writePlainStream(int number, std::string_view entries, std::string_view data);
+  int writeEncryption();
   void beginObject(const Identity& object);
   Entry& entryOf(int number);
   void collect(int number, std::string_view body);
   void flushObjectStream();
-  void writeTable(const Trailer& trailer);
+  void writeTable(const std::string& trailer);
   void writeTableRows();
-  void writeCrossReferenceStream(const Trailer& trailer);
+  void writeCrossReferenceStream(const std::string& trailer);
   void writeEnd(std::uint64_t start);
 
   ByteSink& sink;

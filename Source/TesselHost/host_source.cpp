@@ -52,21 +52,22 @@ Size PageGeometry::size() const {
 }
 
 Source::Source(const std::string& path, const std::string& password)
-    : file(path), reader(path.c_str(), password) {
-  if (const int result = reader.init(); result != TESSEL::Result::success) throw SourceError(path, result);
+    : file(path), reader(std::make_unique<CTesselPage>(path.c_str(), password)) {
+  const Opening opening = openReader(*reader, password);
+  if (opening.result != TESSEL::Result::success) throw SourceError(path, opening.result, opening.reason);
 }
 
 PdfVersion Source::version() const {
-  const std::string catalog = reader.getRootString(0);
-  return std::max(PdfVersion::parse(reader.getHeaderVersion()),
+  const std::string catalog = reader->getRootString(0);
+  return std::max(PdfVersion::parse(reader->getHeaderVersion()),
                   PdfVersion::parse(valueOfKey(catalog, "/Version")));
 }
 
 std::optional<PageGeometry> Source::geometryOf(int page) const {
   int degrees = 0;
-  if (reader.getPageRotate(page, degrees) != TESSEL::Result::success) return std::nullopt;
-  const Corners media = boxOf(reader, page, CTesselPage::mediaBox);
-  const Corners crop = boxOf(reader, page, CTesselPage::cropBox);
+  if (reader->getPageRotate(page, degrees) != TESSEL::Result::success) return std::nullopt;
+  const Corners media = boxOf(*reader, page, CTesselPage::mediaBox);
+  const Corners crop = boxOf(*reader, page, CTesselPage::cropBox);
   // A crop box that lies outside the paper hides nothing, and a paper that has no size bounds nothing.
   const std::array candidates = {crop.usable() ? crop.cutTo(media) : media, media, crop};
   const auto* shown =

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 
+#include "TesselHost/host_access.h"
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_version.h"
 #include "TesselPage/tessel_page.h"
@@ -21,22 +23,24 @@ struct PageGeometry {
 /// One source PDF that has been opened.
 class Source {
  public:
-  /// Throws SourceError when the file can't be used.
+  /// Throws SourceError when the file can't be used, or the password doesn't open it.
   explicit Source(const std::string& path, const std::string& password = {});
 
   const std::string& path() const { return file; }
-  int pageCount() const { return reader.getPageCount(); }
+  int pageCount() const { return reader->getPageCount(); }
+  /// Who has opened it.
+  Access access() const { return Access(*reader); }
   /// The higher one of the header's version and the catalog's /Version.
   PdfVersion version() const;
   /// Geometry of any page, counted from 1, selected or not; nothing when the page has no usable size.
   std::optional<PageGeometry> geometryOf(int page) const;
 
-  TESSEL::CTesselPage& pages() { return reader; }
-  const TESSEL::CTesselPage& pages() const { return reader; }
+  TESSEL::CTesselPage& pages() { return *reader; }
+  const TESSEL::CTesselPage& pages() const { return *reader; }
 
  private:
   std::string file;
-  TESSEL::CTesselPage reader;
+  std::unique_ptr<TESSEL::CTesselPage> reader;
 };
 
 }  // namespace TesselHost

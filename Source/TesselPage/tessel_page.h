@@ -207,6 +207,9 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// How far the password has led, and what the source permits, as its dictionary's text tells it (ISO
   /// 32000-2, table 22): 0 and -4 for a source that isn't encrypted. Always 0.
   int getSecurity(PASSWORD_TYPE& type, int& permissions) const;
+  /// Beyond the interface as it stands, read only: what the source's encryption dictionary tells, also one
+  /// that is direct in the trailer. Requires: init made a source.
+  SSourceSecurity getSourceSecurity() const;
   /// Always 1.
   int GetSourceFileInfo(SFileInfo& out) const;
   /// A fingerprint of the source's bytes, to know it again. The position of the stream is kept.

@@ -15,6 +15,17 @@ struct SFileInfo {
 
 namespace TESSEL {
 
+/// What a source's encryption dictionary tells (ISO 32000-2, 7.6.2), wherever it stands.
+struct SSourceSecurity {
+  bool encrypted = false;       ///< the source has one; without it the rest means nothing
+  int version = 0;              ///< /V
+  int revision = 0;             ///< /R; 0 when the dictionary can't be read
+  int keyLength = 0;            ///< bits
+  int method = 0;               ///< cipher of strings and streams: 1 RC4, 2 AES-128, 3 AES-256
+  int permissions = 0;          ///< /P
+  bool encryptMetadata = true;  ///< /EncryptMetadata
+};
+
 /// How far a source's password has led. Only the numbers are part of the interface.
 enum PASSWORD_TYPE {
   passwordUnrestricted = 0,  ///< not protected, or opened with the owner password

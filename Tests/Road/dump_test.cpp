@@ -130,7 +130,7 @@ TEST_F(Info, WritesALineOfJsonForEachFile) {
   file("in.pdf", pdf().onePage("/MediaBox[0 0 20 10]").build());
   const Outcome outcome = tessel({"info", "--json", "in.pdf", "in.pdf"});
   const std::string line =
-      R"({"file":"in.pdf","version":"1.7","pageCount":1,"pages":[{"page":1,"size":[20,10],"rotate":0,"boxes":)"
+      R"({"file":"in.pdf","version":"1.7","encryption":null,"pageCount":1,"pages":[{"page":1,"size":[20,10],"rotate":0,"boxes":)"
       R"({"media":[0,0,20,10],"crop":[0,0,20,10],"bleed":[0,0,20,10],"trim":[0,0,20,10],"art":[0,0,20,10]}}]})"
       "\n";
   EXPECT_EQ(outcome.out, line + line);

@@ -103,8 +103,8 @@ TEST(ObjectStreams, HoldPlainObjectsAndNoStreams) {
   MemorySink sink;
   ObjectWriter writer(sink, {pdf15, true});
   writer.writeBody({1, 0}, "<</Type/Catalog>>");
-  writer.writeBody({2, 0}, "<</Length 1>>stream\nx\nendstream");
-  writer.writeBody({3, 0}, "[1 2]%remark");
+  writer.writeHarvested({2, 0}, "<</Length 1>>stream\nx\nendstream");
+  writer.writeHarvested({3, 0}, "[1 2]%remark");
   writer.finish({1, 0, id});
   EXPECT_THAT(sink.text, HasSubstr("2 0 obj\n<</Length 1>>stream\nx\nendstream\nendobj"));
   EXPECT_THAT(sink.text, HasSubstr("4 0 obj\n<</Type/ObjStm/N 2/First 9/Length 40>>\nstream\n"

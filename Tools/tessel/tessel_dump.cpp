@@ -5,6 +5,7 @@
 #include "TesselHost/host_number.h"
 #include "tessel_commands.h"
 #include "tessel_options.h"
+#include "tessel_security.h"
 #include "tessel_terminal.h"
 
 namespace tessel_tool {
@@ -15,14 +16,16 @@ using namespace TesselHost;
 
 struct DumpCommand {
   DumpOptions options;
+  PasswordOption password;
   bool quiet = false;
 
-  int run() const {
+  int run() {
+    options.password = password.value();
     OutputFile out("-");
     Terminal terminal(quiet, "dumping");
-    const int result = dump(options, out, terminal);
+    const Opening opening = dump(options, out, terminal);
     out.commit();
-    if (result != 0) throw SourceError(options.input, result);
+    if (opening.result != 0) throw SourceError(options.input, opening.result, opening.reason);
     return exitDone;
   }
 };
@@ -49,6 +52,7 @@ void addDump(CLI::App& program, Job& job) {
             "an object number")
       ->type_name("K");
   command->add_flag("--summary", options.summary, "SHA-256 digests in place of the bytes");
+  addPassword(*command, dumpCommand->password);
   addQuiet(*command, dumpCommand->quiet);
   command->footer(footer);
   command->callback([&job, dumpCommand] { job = [dumpCommand] { return dumpCommand->run(); }; });

@@ -6,6 +6,7 @@
 #include "TesselHost/host_nup.h"
 #include "tessel_commands.h"
 #include "tessel_options.h"
+#include "tessel_security.h"
 #include "tessel_terminal.h"
 
 namespace tessel_tool {
@@ -16,9 +17,13 @@ using namespace TesselHost;
 
 struct NupCommand {
   NupOptions options;
+  PasswordOption password;
+  EncryptionOptions encryption;
   bool quiet = false;
 
-  int run() const {
+  int run() {
+    options.password = password.value();
+    options.protection = encryption.value();
     Terminal terminal(quiet, "placing");
     const NupResult result = nup(options, terminal);
     terminal.note(fmt::format("{}: {} pages on {} sheets", options.output, result.pages, result.sheets));
@@ -70,6 +75,10 @@ void addNup(CLI::App& program, Job& job) {
   addPages(*command, options.pages);
   command->add_flag("--object-streams", options.objectStreams,
                     "A smaller file, for readers of PDF 1.5 and later");
+  addPassword(*command, nupCommand->password);
+  command->add_flag("--ignore-permissions", options.ignorePermissions,
+                    "Place also pages whose permissions forbid it");
+  nupCommand->encryption.addTo(*command);
   addQuiet(*command, nupCommand->quiet);
   command->footer(footer);
   command->callback([&job, nupCommand] { job = [nupCommand] { return nupCommand->run(); }; });

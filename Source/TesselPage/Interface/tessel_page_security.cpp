@@ -183,6 +183,19 @@ int CTesselPage::getSecurity(PASSWORD_TYPE& type, int& permissions) const {
   return Result::success;
 }
 
+SSourceSecurity CTesselPage::getSourceSecurity() const {
+  const CEncrypt& encrypt = state->sourFile->fileInfo.encrypt;
+  SSourceSecurity security;
+  security.encrypted = encrypt.accessState != CEncrypt::closed;
+  security.version = encrypt.V;
+  security.revision = encrypt.R;
+  security.keyLength = encrypt.keyLength;
+  security.method = encrypt.method;
+  security.permissions = encrypt.permissions;
+  security.encryptMetadata = encrypt.encryptMetadata;
+  return security;
+}
+
 int CTesselPage::GetSourceFileInfo(SFileInfo& out) const {
   const CSourFile& source = *state->sourFile;
   const CEncrypt& encrypt = source.fileInfo.encrypt;

@@ -1,0 +1,145 @@
+#include "TesselHost/host_access.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <vector>
+
+#include "PDFEncryption/decryptionmanager.h"
+#include "PDFEncryption/encryptinfo.h"
+#include "TesselHost/host_error.h"
+
+namespace TesselHost {
+
+namespace {
+
+using pcrypt::PDFDecryptionManager;
+using TESSEL::CTesselPage;
+namespace Result = TESSEL::Result;
+
+constexpr std::size_t longestShortPassword = 32;
+
+/// The password in Latin-1; nothing when it has no other form there. Files up to revision 4 are made with
+/// passwords of one byte a character (ISO 32000-2, 7.6.4.3.2).
+std::optional<std::string> inLatin1(std::string_view password) {
+  constexpr unsigned continuation = 0x80;
+  constexpr unsigned continuationMask = 0xC0;
+  constexpr unsigned payload = 0x3F;
+  std::string latin;
+  for (std::size_t i = 0; i < password.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(password[i]);
+    if (byte < continuation) {
+      latin += password[i];
+      continue;
+    }
+    // What lies in Latin-1 begins with one of two bytes in UTF-8.
+    const unsigned next = i + 1 < password.size() ? static_cast<unsigned char>(password[i + 1]) : 0U;
+    if ((byte != 0xC2 && byte != 0xC3) || (next & continuationMask) != continuation) return std::nullopt;
+    latin += static_cast<char>((byte & 3U) << 6U | (next & payload));
+    ++i;
+  }
+  if (latin == password) return std::nullopt;
+  return latin;
+}
+
+/// What to try when the first 32 bytes, as they are, didn't do.
+std::vector<std::string> furtherForms(const std::string& password) {
+  std::vector<std::string> forms;
+  if (password.size() > longestShortPassword) forms.push_back(password);
+  if (auto latin = inLatin1(password)) forms.push_back(std::move(*latin));
+  return forms;
+}
+
+bool isSettled(int passwordState) {
+  return passwordState != PDFDecryptionManager::neither && passwordState != Result::passwordNotTried;
+}
+
+/// Opens the source anew.
+int reopen(CTesselPage& reader, const std::string& password) {
+  try {
+    reader.SetSourceLongPassword(password);
+    return Result::success;
+  } catch (int result) {
+    return result;
+  } catch (const std::exception&) {
+    return Result::exceptionCaught;
+  }
+}
+
+/// An encryption that the library passes over, and whose strings and streams it would hand out as they are.
+bool isUnknown(const CTesselPage& reader) {
+  const TESSEL::SSourceSecurity security = reader.getSourceSecurity();
+  return security.encrypted &&
+         (security.revision > 0 || reader.getEncryptString().find("<<") != std::string::npos);
+}
+
+}  // namespace
+
+Opening openReader(CTesselPage& reader, const std::string& password) {
+  int result = reader.init();
+  int state = reader.SetSourcePassword();
+  for (const std::string& form : furtherForms(password)) {
+    if (isSettled(state)) break;
+    result = reopen(reader, form);
+    state = reader.SetSourcePassword();
+  }
+  if (state == PDFDecryptionManager::neither)
+    return {Result::wrongPassword, password.empty() ? "it needs a password" : "the password doesn't open it"};
+  if (state == Result::passwordNotTried) return {state, "its encryption takes no password"};
+  if (state == Result::notProtected && isUnknown(reader))
+    return {Result::passwordNotTried, "its encryption isn't known"};
+  return {result, result == Result::success ? std::string() : reasonOf(result)};
+}
+
+Access::Access(const CTesselPage& reader)
+    : security(reader.getSourceSecurity()), passwordState(reader.SetSourcePassword()) {}
+
+std::string Access::method() const {
+  switch (security.method) {
+    case pcrypt::Method::aesV2:
+      return "AES-128";
+    case pcrypt::Method::aesV3:
+      return "AES-256";
+    default:
+      return fmt::format("RC4-{}", security.keyLength);
+  }
+}
+
+namespace {
+
+struct Opener {
+  int passwordState;
+  std::string_view word;
+  std::string_view words;
+};
+
+constexpr std::array openers = {
+    Opener{PDFDecryptionManager::emptyAndOwner, "owner", "the owner password"},
+    Opener{PDFDecryptionManager::ownerOnly, "owner", "the owner password"},
+    Opener{PDFDecryptionManager::userOnly, "user", "the user password"},
+    Opener{PDFDecryptionManager::userAndOwner, "both", "the password of user and owner"},
+};
+constexpr Opener noOpener{PDFDecryptionManager::emptyNotOwner, "none", "no password"};
+
+const Opener& openerOf(int passwordState) {
+  const auto* found = std::find_if(openers.begin(), openers.end(), [passwordState](const Opener& row) {
+    return row.passwordState == passwordState;
+  });
+  return found == openers.end() ? noOpener : *found;
+}
+
+}  // namespace
+
+std::string_view Access::opener() const { return openerOf(passwordState).words; }
+
+std::string_view Access::openerWord() const { return openerOf(passwordState).word; }
+
+bool Access::byOwner() const { return openerWord() == "owner" || openerWord() == "both"; }
+
+bool Access::mayPlace() const {
+  return !encrypted() || byOwner() || permissions().allowPlacing(security.revision);
+}
+
+}  // namespace TesselHost

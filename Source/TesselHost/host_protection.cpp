@@ -1,0 +1,187 @@
+#include "TesselHost/host_protection.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+
+#include "PDFEncryption/decryptionmanager.h"
+#include "PDFEncryption/encryptionmanager.h"
+#include "PDFEncryption/randomsource.h"
+#include "PDFEncryption/rc4.h"
+#include "PDFEncryption/rijndael.h"
+#include "TesselHost/host_error.h"
+#include "TesselHost/host_strings.h"
+
+namespace TesselHost {
+
+namespace {
+
+namespace Method = pcrypt::Method;
+
+constexpr std::size_t identifierBytes = 16;
+constexpr std::size_t drawnPasswordBytes = 24;
+constexpr std::size_t blockBytes = pcrypt::initialVectorSize;
+constexpr std::size_t longestOldPassword = 32;  // ISO 32000-2, 7.6.4.3.2, Algorithm 2, step a
+constexpr int firstLongRevision = 5;
+constexpr int bitsPerByte = 8;
+
+struct Scheme {
+  Cipher cipher;
+  std::string_view name;
+  int version;  ///< /V
+  int revision;
+  int keyLength;    ///< bits
+  int keyRevision;  ///< for setEncryptKey, which knows no revision 6
+  int method;
+  std::string_view filterMethod;  ///< /CFM
+  PdfVersion least;
+};
+
+constexpr std::array schemes = {
+    Scheme{Cipher::rc4With40, "rc4-40", 1, 2, 40, 2, Method::rc4, "", {1, 1}},
+    Scheme{Cipher::rc4With128, "rc4-128", 2, 3, 128, 3, Method::rc4, "", {1, 4}},
+    Scheme{Cipher::aes128, "aes-128", 4, 4, 128, 4, Method::aesV2, "/AESV2", {1, 6}},
+    Scheme{Cipher::aes256, "aes-256", 5, 6, 256, 5, Method::aesV3, "/AESV3", {2, 0}},
+};
+
+template <class Matches>
+const Scheme& schemeWith(Matches matches) {
+  return *std::find_if(schemes.begin(), schemes.end(), matches);
+}
+
+const Scheme& schemeOf(const pcrypt::EncryptInfo& info) {
+  return schemeWith([&info](const Scheme& row) { return row.revision == info.R; });
+}
+
+/// The bytes of a password that readers of this revision count.
+std::string countedPassword(const std::string& password, int revision) {
+  return revision < firstLongRevision ? password.substr(0, longestOldPassword) : pcrypt::getUTF8Str(password);
+}
+
+unsigned char* bytesOf(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
+const unsigned char* bytesOf(std::string_view text) {
+  return reinterpret_cast<const unsigned char*>(text.data());
+}
+
+/// The initial vector, and the data padded to whole blocks.
+std::string encryptedWithAes(const std::string& key, std::string_view data) {
+  std::string result(blockBytes + (data.size() / blockBytes + 1) * blockBytes, '\0');
+  pcrypt::makeInitialVector(bytesOf(result));
+  pcrypt::Rijndael cipher;
+  cipher.init(pcrypt::Rijndael::CBC, pcrypt::Rijndael::Encrypt, bytesOf(key),
+              key.size() == blockBytes ? pcrypt::Rijndael::Key16Bytes : pcrypt::Rijndael::Key32Bytes,
+              bytesOf(result));
+  cipher.padEncrypt(bytesOf(data), static_cast<int>(data.size()), bytesOf(result) + blockBytes);
+  return result;
+}
+
+std::string randomBytes(std::size_t count) {
+  std::string bytes = pcrypt::systemRandom(count);
+  if (bytes.size() != count) throw OutputError("the output", "the system gives no random bytes", 0);
+  return bytes;
+}
+
+/// Without an owner password everyone who opens the file would be its owner.
+std::string ownerPasswordOf(const ProtectionOptions& options) {
+  return options.ownerPassword.empty() ? hexString(randomBytes(drawnPasswordBytes)) : options.ownerPassword;
+}
+
+/// The order of the steps depends on the revision: each takes up what the one before left.
+void makeEntries(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo& info) {
+  const pcrypt::PDFEncryptionManager manager;
+  const bool sealed = info.R >= firstLongRevision;
+  if (!sealed) manager.calculateOKey(option, info);
+  manager.createKey(info, option.userPassword);
+  manager.calculateUKey(option, info);
+  if (sealed) manager.calculateOKey(option, info);
+  manager.calculatePerms(option, info);
+}
+
+}  // namespace
+
+std::optional<Cipher> parseCipher(std::string_view text) {
+  const auto* found =
+      std::find_if(schemes.begin(), schemes.end(), [text](const Scheme& row) { return row.name == text; });
+  if (found == schemes.end()) return std::nullopt;
+  return found->cipher;
+}
+
+bool hasMetadataSwitch(Cipher cipher) { return cipher == Cipher::aes128 || cipher == Cipher::aes256; }
+
+OutputProtection::OutputProtection(const ProtectionOptions& options, std::string fileIdentifier) {
+  pcrypt::PDFEncryptionManager::useSystemRandom();
+  const Scheme& scheme = schemeWith([&](const Scheme& row) { return row.cipher == options.cipher; });
+  pcrypt::EncryptOption option;
+  option.userPassword = countedPassword(options.userPassword, scheme.revision);
+  option.ownerPassword = countedPassword(ownerPasswordOf(options), scheme.revision);
+  option.permissions = options.allowed.valueFor(scheme.revision);
+  option.keyLength = scheme.keyLength;
+  option.encryptMetadata = !options.cleartextMetadata;
+  info.R = scheme.revision;
+  info.V = scheme.version;
+  info.keyLength = scheme.keyLength;
+  info.method = scheme.method;
+  info.permissions = option.permissions;
+  info.encryptMetadata = option.encryptMetadata;
+  info.fileIdentifier = std::move(fileIdentifier);
+  keyRevision = scheme.keyRevision;
+  makeEntries(option, info);
+}
+
+void OutputProtection::giveKeyTo(TESSEL::CTesselPage& source) const {
+  source.setEncryptKey(bytesOf(std::string_view(info.fileKey)), static_cast<int>(info.fileKey.size()),
+                       keyRevision);
+}
+
+PdfVersion OutputProtection::version() const { return schemeOf(info).least; }
+
+std::string OutputProtection::dictionary() const {
+  std::string text = fmt::format("<</Filter/Standard/V {}/R {}/Length {}/P {}/O{}/U{}", info.V, info.R,
+                                 info.keyLength, info.permissions, hexString(info.O), hexString(info.U));
+  if (info.R >= firstLongRevision)
+    text += fmt::format("/OE{}/UE{}/Perms{}", hexString(info.OE), hexString(info.UE), hexString(info.Perms));
+  if (const std::string_view method = schemeOf(info).filterMethod; !method.empty())
+    text += fmt::format("/CF<</StdCF<</CFM{}/AuthEvent/DocOpen/Length {}>>>>/StmF/StdCF/StrF/StdCF", method,
+                        info.keyLength / bitsPerByte);
+  if (!info.encryptMetadata) text += "/EncryptMetadata false";
+  return text + ">>";
+}
+
+std::string OutputProtection::keyOf(int number) const {
+  std::string key;
+  pcrypt::PDFEncryptionBase().calculateKey(number, 0, info, key);
+  return key;
+}
+
+std::string OutputProtection::encrypted(int number, std::string_view data) const {
+  std::string key = keyOf(number);
+  if (info.method != Method::rc4) return encryptedWithAes(key, data);
+  std::string result(data);
+  pcrypt::PDFEncryptionRC4().RC4(bytesOf(result), static_cast<int>(result.size()), bytesOf(key),
+                                 static_cast<int>(key.size()));
+  return result;
+}
+
+std::string OutputProtection::withStringsEncrypted(int number, std::string_view text) const {
+  return withStrings(text, [this, number](std::string_view bytes) { return encrypted(number, bytes); });
+}
+
+std::string OutputProtection::withStringsDecrypted(int number, std::string_view text) const {
+  return withStrings(text, [this, number](std::string_view bytes) {
+    std::string data(bytes);
+    int length = static_cast<int>(data.size());
+    pcrypt::PDFDecryptionManager().DecryptData(info, number, 0, bytesOf(data), &length);
+    data.resize(static_cast<std::size_t>(length));
+    return data;
+  });
+}
+
+std::string randomIdentifier() {
+  std::string bytes = randomBytes(identifierBytes);
+  // The library, when it reads, leaves out an identifier that begins with a zero byte.
+  if (bytes.front() == '\0') bytes.front() = '\1';
+  return bytes;
+}
+
+}  // namespace TesselHost

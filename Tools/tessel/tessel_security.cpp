@@ -1,0 +1,83 @@
+#include "tessel_security.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+
+#include "TesselHost/host_error.h"
+#include "tessel_options.h"
+
+namespace tessel_tool {
+
+using namespace TesselHost;
+
+namespace {
+
+std::string firstLineOf(std::istream& in, const std::string& name) {
+  std::string line;
+  if (!std::getline(in, line) && !in.eof()) throw HostError(name + ": the password can't be read");
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return line;
+}
+
+}  // namespace
+
+std::array<CLI::Option*, 2> PasswordOption::addTo(CLI::App& command, const std::string& name,
+                                                  const std::string& variable, const std::string& help) {
+  fallback = variable;
+  CLI::Option* direct = command.add_option("--" + name, text, help + "; without it $" + variable + " counts");
+  CLI::Option* inFile = command.add_option("--" + name + "-file", file,
+                                           "The same as the first line of a file; - for standard input");
+  direct->type_name("PASSWORD");
+  inFile->type_name("FILE")->excludes(direct);
+  return {direct, inFile};
+}
+
+std::string PasswordOption::value() const {
+  if (file == "-") return firstLineOf(std::cin, "standard input");
+  if (!file.empty()) {
+    std::ifstream in(file, std::ios::binary);
+    if (!in) throw HostError(file + ": the password can't be read");
+    return firstLineOf(in, file);
+  }
+  const char* variable = std::getenv(fallback.c_str());
+  return text.empty() && variable != nullptr ? variable : text;
+}
+
+void addPassword(CLI::App& command, PasswordOption& password) {
+  password.addTo(command, "password", "TESSEL_PASSWORD", "Opens the inputs that need a password");
+}
+
+void EncryptionOptions::addTo(CLI::App& command) {
+  CLI::Option* encrypt = addParsed(command, "--encrypt", cipher, parseCipher,
+                                   "Protect the output: rc4-40, rc4-128, aes-128 or aes-256",
+                                   "a cipher: rc4-40, rc4-128, aes-128 or aes-256");
+  encrypt->type_name("CIPHER");
+  const auto users = user.addTo(command, "user-password", "TESSEL_USER_PASSWORD",
+                                "Opens the output, with what --allow allows");
+  const auto owners = owner.addTo(command, "owner-password", "TESSEL_OWNER_PASSWORD",
+                                  "Opens the output without restrictions");
+  CLI::Option* allow = addParsed(command, "--allow", allowed, Permissions::parse,
+                                 "all (default), none, or of these, with commas: " + Permissions::allWords(),
+                                 "all, none, or words such as print,copy")
+                           ->type_name("WORDS");
+  CLI::Option* cleartext =
+      command.add_flag("--cleartext-metadata", cleartextMetadata,
+                       "Leave the document's metadata readable for everyone; with AES only");
+  for (CLI::Option* option : {users[0], users[1], owners[0], owners[1], allow, cleartext})
+    option->needs(encrypt);
+}
+
+std::optional<ProtectionOptions> EncryptionOptions::value() const {
+  if (!cipher) return std::nullopt;
+  ProtectionOptions options{*cipher, user.value(), owner.value(), allowed, cleartextMetadata};
+  if (options.userPassword.empty() && options.ownerPassword.empty())
+    throw UsageError("--encrypt needs a --user-password or an --owner-password");
+  if (cleartextMetadata && !hasMetadataSwitch(*cipher))
+    throw UsageError("--cleartext-metadata needs --encrypt aes-128 or aes-256");
+  return options;
+}
+
+}  // namespace tessel_tool
