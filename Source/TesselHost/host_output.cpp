@@ -15,7 +15,7 @@ namespace TesselHost {
 
 namespace {
 
-constexpr std::size_t bufferSize = std::size_t{1} << 18U;
+constexpr std::size_t bufferSize = std::size_t{1} << 16U;
 constexpr int maxTemporaries = 1000;
 constexpr mode_t newFileMode = 0666;
 constexpr mode_t permissionBits = 0777;

@@ -170,6 +170,19 @@ TEST(ObjectStreams, TheLastOneIsKeptHoweverLongItIs) {
   EXPECT_EQ(file.get().get(), first);
 }
 
+TEST(ObjectStreams, MoreIsKeptWhereMuchIsDecodedAgain) {
+  const std::string body = streamBody("/N 0", std::string(400, ' '));
+  Container file({body, body, body});
+  file.streams = ObjectStreams(1000);
+  const auto first = file.get(1);
+  for (const int number : {2, 3}) file.get(number);
+  EXPECT_NE(file.get(1), first);
+  for (int i = 0; i < 100; ++i) file.get(i % 3 + 1);
+  const auto again = file.get(1);
+  for (const int number : {2, 3}) file.get(number);
+  EXPECT_EQ(file.get(1), again);
+}
+
 TEST(ObjectStreams, LengthsComeFromTheIndex) {
   Container file(streamBody("/N 2/First 9", "5 0 6 4  <<>>null!"));
   file.get();

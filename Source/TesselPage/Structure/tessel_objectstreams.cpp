@@ -79,6 +79,7 @@ std::shared_ptr<const ObjectStream> readHere(CSourFile& source, int number) {
   if (!scanKeys(source, scan) || !scan.ended) return nullptr;
   stream->length = static_cast<int>(stream->text.size());
   readPairs(*stream);
+  stream->text.shrink_to_fit();
   return stream;
 }
 
@@ -115,7 +116,9 @@ std::shared_ptr<const ObjectStream> ObjectStreams::get(CSourFile& source, int nu
 }
 
 void ObjectStreams::keep(int number, std::shared_ptr<const ObjectStream> stream) {
-  bytes += sizeOf(*stream);
+  const std::size_t size = sizeOf(*stream);
+  if (dropped.contains(number)) limit = std::max(limit, std::min(limit + size / growth, mostKept));
+  bytes += size;
   uses.push_front(number);
   kept[number] = {std::move(stream), uses.begin()};
   while (bytes > limit && uses.size() > 1) dropOldest();
@@ -124,6 +127,7 @@ void ObjectStreams::keep(int number, std::shared_ptr<const ObjectStream> stream)
 void ObjectStreams::dropOldest() {
   const auto oldest = kept.find(uses.back());
   bytes -= sizeOf(*oldest->second.stream);
+  dropped.insert(oldest->first);
   kept.erase(oldest);
   uses.pop_back();
 }
@@ -143,6 +147,7 @@ long long ObjectStreams::lengthOf(const SObjState& entry) const {
 void ObjectStreams::clear() {
   kept.clear();
   uses.clear();
+  dropped.clear();
   bytes = 0;
 }
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -28,12 +29,15 @@ struct ObjectStream {
 /// in itself, or at the end of a long chain of such streams, can't be read.
 class ObjectStreams {
  public:
-  static constexpr std::size_t bytesKept = 64U << 20;
+  /// Bytes kept: few at first; a part of what had to be decoded again is added, up to the most.
+  static constexpr std::size_t leastKept = 1U << 19;
+  static constexpr std::size_t mostKept = 64U << 20;
+  static constexpr std::size_t growth = 16;
   /// How many object streams may be read for each other's /Length at a time.
   static constexpr int maxNesting = 16;
 
-  /// @param bound  bytes kept; the one used last is kept in any case
-  explicit ObjectStreams(std::size_t bound = bytesKept) : limit(bound) {}
+  /// @param bound  bytes kept at first; the one used last is kept in any case
+  explicit ObjectStreams(std::size_t bound = leastKept) : limit(bound) {}
 
   /// The object stream of that number, or null when it can't be read. The position of the source with the
   /// file behind it is not kept, and its state is that of a seek to the object stream: it fails when the
@@ -54,6 +58,7 @@ class ObjectStreams {
 
   std::map<int, Kept> kept;
   std::list<int> uses;  ///< newest first
+  std::unordered_set<int> dropped;
   std::size_t limit;
   std::size_t bytes = 0;
   int nesting = 0;
