@@ -4,8 +4,10 @@
 robust   each file through `dump` and `nup`: ends in time, exit status 0 or 1, no sanitizer report
 render   each file of the classes named, through `nup --grid 1x1 --paper auto`: the output passes `qpdf --check`, and each page
          looks like the source's in poppler and in mupdf
+encrypted  each file of the class of that name, with each of its passwords and with none: what pdfinfo opens opens, all else ends with
+         exit status 1 and one line, or with 0
 
-Prints the figures and the misses; exits with 1 when a bar isn't met.
+Passwords are those of the manifest. Prints the figures and the misses; exits with 1 when a bar isn't met.
 """
 
 import argparse
@@ -25,17 +27,18 @@ TIME_LIMIT = 10         # seconds for one run
 RENDER_TIME_LIMIT = 120
 SOUND_OPEN_SHARE = 0.99
 SOUND_PAGE_SHARE = 0.98
+DEFAULT_CLASSES = {"robust": "", "render": "sound", "encrypted": "encrypted"}
 SANITIZER_MARKS = ("AddressSanitizer", "runtime error:", "LeakSanitizer", "UndefinedBehaviorSanitizer")
 
-Task = collections.namedtuple("Task", "path name kind pages password")
+Task = collections.namedtuple("Task", "path name kind pages password owner_password")
 
 
 def read_manifest(corpus):
     with open(os.path.join(corpus, "MANIFEST.tsv"), newline="") as file:
         for row in csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE):
-            password = row["user_password"] if row["user_password"] != "-" else ""
+            passwords = [row[key] if row[key] != "-" else "" for key in ("user_password", "owner_password")]
             pages = int(row["pages"]) if row["pages"].isdigit() else None
-            yield Task(os.path.join(corpus, row["file"]), row["file"], row["file"].split("/")[0], pages, password)
+            yield Task(os.path.join(corpus, row["file"]), row["file"], row["file"].split("/")[0], pages, *passwords)
 
 
 def run(command, limit, cwd=None):
@@ -49,14 +52,18 @@ def run(command, limit, cwd=None):
         return None, b"", "", time.monotonic() - start
 
 
+def password_options(task):
+    return ["--password", task.password] if task.password else []
+
+
 def robust_one(task):
     """Trouble of one file, as lines."""
     trouble = []
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, "out.pdf")
         for command in (["dump", task.path, "--summary"],
-                        ["nup", task.path, "-o", out, "--grid", "2x2", "--quiet"]):
-            status, _, stderr, seconds = run([options.tool] + command, TIME_LIMIT)
+                        ["nup", task.path, "-o", out, "--grid", "2x2", "--quiet", "--ignore-permissions"]):
+            status, _, stderr, seconds = run([options.tool] + command + password_options(task), TIME_LIMIT)
             if status is None:
                 trouble.append(f"{task.name}: {command[0]} still ran after {TIME_LIMIT} s")
             elif status not in (0, 1) or any(mark in stderr for mark in SANITIZER_MARKS):
@@ -71,16 +78,17 @@ def robust_one(task):
     return trouble
 
 
-def render_with_poppler(path, folder, annotations):
+def render_with_poppler(path, folder, annotations, password):
     hide = [] if annotations else ["-hide-annotations"]
     # The crop box is what a reader shows; poppler takes the media box unless told.
-    run(["pdftoppm", "-r", "50", "-cropbox"] + hide + [path, os.path.join(folder, "p")], RENDER_TIME_LIMIT)
+    opened = ["-upw", password] if password else []
+    run(["pdftoppm", "-r", "50", "-cropbox"] + opened + hide + [path, os.path.join(folder, "p")], RENDER_TIME_LIMIT)
 
 
-def render_with_mupdf(path, folder, annotations):
+def render_with_mupdf(path, folder, annotations, password):
     script = os.path.join(os.path.dirname(os.path.abspath(__file__)), "render_pages.js")
     shown = "annotations" if annotations else "page"
-    run(["mutool", "run", script, path, os.path.join(folder, "p"), "50", shown], RENDER_TIME_LIMIT)
+    run(["mutool", "run", script, path, os.path.join(folder, "p"), "50", shown, password], RENDER_TIME_LIMIT)
 
 
 def page_verdict(line):
@@ -95,10 +103,10 @@ def page_verdict(line):
 def compare_renderings(task, out, renderer, folder):
     """(pages compared, misses)"""
     rendered = []
-    for path, name in ((task.path, "source"), (out, "output")):
+    for path, name, password in ((task.path, "source", task.password), (out, "output", "")):
         target = os.path.join(folder, renderer.__name__ + "-" + name)
         os.mkdir(target)
-        renderer(path, target, options.annotations)
+        renderer(path, target, options.annotations, password)
         rendered.append(target)
     status, stdout, _, _ = run([options.compare] + rendered, RENDER_TIME_LIMIT)
     lines = stdout.decode().splitlines()
@@ -116,8 +124,9 @@ def render_one(task):
     """(opened, check trouble or None, {renderer: (pages, misses)}, trouble text)"""
     with tempfile.TemporaryDirectory() as folder:
         out = os.path.join(folder, "out.pdf")
-        command = [options.tool, "nup", task.path, "-o", out, "--grid", "1x1", "--paper", "auto", "--quiet"]
-        status, _, stderr, _ = run(command + options.extra.split(), RENDER_TIME_LIMIT)
+        command = [options.tool, "nup", task.path, "-o", out, "--grid", "1x1", "--paper", "auto", "--quiet",
+                   "--ignore-permissions"]
+        status, _, stderr, _ = run(command + password_options(task) + options.extra.split(), RENDER_TIME_LIMIT)
         if status != 0:
             return False, None, {}, f"nup: {status} {stderr.strip()[:300]}"
         checked, stdout, stderr, _ = run(["qpdf", "--check", out], RENDER_TIME_LIMIT)
@@ -126,6 +135,30 @@ def render_one(task):
         for renderer in (render_with_poppler, render_with_mupdf):
             results[renderer.__name__[12:]] = compare_renderings(task, out, renderer, folder)
         return True, check, results, None
+
+
+def opens_elsewhere(path, password):
+    """Whether pdfinfo opens the file, the password being the user's or the owner's."""
+    return any(run(["pdfinfo", kind, password, path], TIME_LIMIT)[0] == 0 for kind in ("-upw", "-opw"))
+
+
+def encrypted_one(task):
+    """(passwords tried, opened elsewhere, opened here, trouble as lines)"""
+    trouble = []
+    passwords = sorted({"", task.password, task.owner_password})
+    elsewhere = here = 0
+    for password in passwords:
+        theirs = opens_elsewhere(task.path, password)
+        status, _, stderr, _ = run([options.tool, "info", "--password", password, task.path], TIME_LIMIT)
+        elsewhere += theirs
+        here += status == 0
+        if status not in (0, 1) or any(mark in stderr for mark in SANITIZER_MARKS):
+            trouble.append(f"{task.name} '{password}': ended with {status}: {stderr.strip()[-2000:]}")
+        elif status == 1 and len(stderr.strip().splitlines()) != 1:
+            trouble.append(f"{task.name} '{password}': failed with {len(stderr.splitlines())} lines of explanation")
+        elif theirs and status == 1:
+            trouble.append(f"{task.name} '{password}': opens elsewhere; {stderr.strip()}")
+    return len(passwords), elsewhere, here, trouble
 
 
 def in_parallel(function, tasks):
@@ -139,6 +172,19 @@ def in_parallel(function, tasks):
 def robust(tasks):
     bad = [line for _, lines in in_parallel(robust_one, tasks) for line in lines]
     print(f"robust: {len(tasks)} files through dump and nup, {len(bad)} in trouble")
+    for line in bad:
+        print("  " + line)
+    return not bad
+
+
+def encrypted(tasks):
+    tried = elsewhere = here = 0
+    bad = []
+    for _, (count, theirs, ours, trouble) in in_parallel(encrypted_one, tasks):
+        tried, elsewhere, here = tried + count, elsewhere + theirs, here + ours
+        bad += trouble
+    print(f"encrypted: {len(tasks)} files with {tried} passwords, {elsewhere} opened by pdfinfo, {here} by tessel, "
+          f"{len(bad)} in trouble")
     for line in bad:
         print("  " + line)
     return not bad
@@ -172,11 +218,11 @@ def render(tasks):
 
 def parse():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("job", choices=("robust", "render"))
+    parser.add_argument("job", choices=("robust", "render", "encrypted"))
     parser.add_argument("--corpus", required=True, help="folder with MANIFEST.tsv")
     parser.add_argument("--tool", required=True, help="the tessel program")
     parser.add_argument("--compare", default="", help="the raster_compare program")
-    parser.add_argument("--classes", default="", help="comma-separated; default: sound for render, all for robust")
+    parser.add_argument("--classes", default="", help="comma-separated; default: sound for render, encrypted for encrypted, all for robust")
     parser.add_argument("--every", type=int, default=1, help="take each n-th file only")
     parser.add_argument("--match", default="", help="take files whose name holds this text only")
     parser.add_argument("--annotations", action="store_true", help="render with annotations shown")
@@ -189,11 +235,11 @@ def main():
     if not os.path.isdir(options.corpus):
         print(f"corpus: skipped, {options.corpus} isn't there")
         return 0
-    classes = options.classes or ("sound" if options.job == "render" else "")
+    classes = options.classes or DEFAULT_CLASSES[options.job]
     tasks = [task for task in read_manifest(options.corpus)
              if (not classes or task.kind in classes.split(",")) and options.match in task.name]
     tasks = tasks[:: options.every]
-    good = robust(tasks) if options.job == "robust" else render(tasks)
+    good = {"robust": robust, "render": render, "encrypted": encrypted}[options.job](tasks)
     print(f"{options.job}: {'passed' if good else 'FAILED'}")
     return 0 if good else 1
 

@@ -196,6 +196,34 @@ TEST(EncryptDictionary, MetadataFlagMayStandInTheCryptFilter) {
   EXPECT_TRUE(readDirect("/V 4/R 4/EncryptMetadata true").record.encryptMetadata);
 }
 
+TEST(EncryptDictionary, CryptFiltersMayBeReferences) {
+  const Source source = pdf()
+                            .onePage("")
+                            .object(9, "<</CF 10 0 R/Filter/Standard/V 4/R 4/Length 128>>")
+                            .object(10, "<</StdCF 11 0 R>>")
+                            .object(11, "<</CFM/AESV2/EncryptMetadata false>>")
+                            .trailer("/Encrypt 9 0 R/ID[(a)(b)]")
+                            .open();
+  const CEncrypt& record = source->fileInfo.encrypt;
+  EXPECT_EQ(record.method, aesV2);
+  EXPECT_EQ(record.R, 4);
+  EXPECT_FALSE(record.encryptMetadata);
+}
+
+TEST(EncryptDictionary, CryptFiltersBehindAReferenceThatLeadsNowhereAreNone) {
+  for (const char* filters : {"10 0 R", "<</StdCF 10 0 R>>", "9 0 R"}) {
+    const Source source =
+        pdf()
+            .onePage("")
+            .object(9, std::string("<</CF ") + filters + "/Filter/Standard/V 4/R 4/Length 128>>")
+            .trailer("/Encrypt 9 0 R/ID[(a)(b)]")
+            .open();
+    const CEncrypt& record = source->fileInfo.encrypt;
+    EXPECT_EQ(record.method, rc4) << filters;
+    EXPECT_EQ(record.R, 4) << filters;
+  }
+}
+
 TEST(EncryptDictionary, AnUnknownNestedDictionaryEndsADirectOneEarly) {
   const std::string entries = "/V 2/Other<</A 1>>/R 3";
   EXPECT_EQ(readDirect(entries).record.R, 0);

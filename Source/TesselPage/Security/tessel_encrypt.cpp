@@ -8,7 +8,10 @@
 #include "TesselPage/Security/tessel_encryptbridge.h"
 #include "TesselPage/Structure/tessel_objectposition.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
+#include "TesselPage/Structure/tessel_xrefparts.h"
+#include "TesselPage/Syntax/tessel_fileblock.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
+#include "TesselPage/Syntax/tessel_positionguard.h"
 #include "TesselPage/Syntax/tessel_string.h"
 #include "TesselPage/Syntax/tessel_token.h"
 #include "TesselPage/Writer/tessel_destfile.h"
@@ -123,6 +126,10 @@ class EncryptScan {
   }
   Turn readCryptFilters();
   void readCryptFilter();
+  template <void (EncryptScan::*read)()>
+  void readDictionary();
+  bool tryReference(SObj& object);
+  void findCryptFilters();
   Turn readMetadataFlag() {
     if (next() == "false") encrypt.encryptMetadata = false;
     return Turn::goOn;
@@ -161,12 +168,42 @@ Turn EncryptScan::readPermissions() {
   return source.fail() ? Turn::failure : Turn::goOn;
 }
 
+/// Reads a value that is a dictionary, or a reference to one.
+template <void (EncryptScan::*read)()>
+void EncryptScan::readDictionary() {
+  SObj object;
+  if (!tryReference(object)) return (this->*read)();
+  const PositionGuard behindReference(source, PositionGuard::State::clear);
+  const SObjState entry = source.fileInfo.GetObjState(object);
+  // Like the dictionary itself, its filters lie in no object stream: those are encrypted.
+  if (!entry.atOffset()) return;
+  source.seekg(entry.entryOffset);
+  for (int i = 0; i < headTokens; ++i) next();
+  if (word == kwobj) (this->*read)();
+}
+
+/// Without a reference the position stays.
+bool EncryptScan::tryReference(SObj& object) {
+  PositionGuard start(source);
+  const std::string number = next();
+  if (!CFileBlock::IsNum(number)) return false;
+  const std::string generation = next();
+  if (!CFileBlock::IsNum(generation) || next() != kwR) return false;
+  object = SObj(static_cast<int>(leadingNumber(number)), static_cast<int>(leadingNumber(generation)));
+  start.dismiss();
+  return true;
+}
+
 Turn EncryptScan::readCryptFilters() {
   encrypt.handler = CEncrypt::standardHandler;
+  readDictionary<&EncryptScan::findCryptFilters>();
+  return Turn::goOn;
+}
+
+void EncryptScan::findCryptFilters() {
   Nesting nesting;
   while (source.good() && !nesting.closes(next()))
-    if (isKnownCryptFilter(word)) readCryptFilter();
-  return Turn::goOn;
+    if (isKnownCryptFilter(word)) readDictionary<&EncryptScan::readCryptFilter>();
 }
 
 void EncryptScan::readCryptFilter() {
