@@ -82,6 +82,7 @@ corpus() {
     return
   fi
   python3 Tests/Corpus/corpus_run.py robust --corpus "$corpus_dir" --tool build/asan/tessel
+  python3 Tests/Corpus/corpus_run.py encrypted --corpus "$corpus_dir" --tool build/asan/tessel
   python3 Tests/Corpus/corpus_run.py render --corpus "$corpus_dir" --tool build/release/tessel \
     --compare build/release/bin/raster_compare
 }
