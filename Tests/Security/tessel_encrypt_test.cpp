@@ -331,9 +331,9 @@ TEST(EncryptDictionary, IsWrittenWith32BytesOfBothEntries) {
                                                 zeros + ")/U(" + std::string(32, 'u') + ")>>endobj\n");
   EXPECT_EQ(dest.currentObject.objNum, 0);
   EXPECT_EQ(dest.endMark, dest.size());
-  ASSERT_EQ(dest.objEntries.count(SObj(7, 0)), 1U);
-  EXPECT_EQ(dest.objEntries.at(SObj(7, 0)).entryOffset, 10);
-  EXPECT_EQ(dest.objEntries.at(SObj(7, 0)).entryFlag, 'n');
+  ASSERT_EQ(dest.fileInfo.objEntries.count(SObj(7, 0)), 1U);
+  EXPECT_EQ(dest.fileInfo.objEntries.at(SObj(7, 0)).entryOffset, 10);
+  EXPECT_EQ(dest.fileInfo.objEntries.at(SObj(7, 0)).entryFlag, 'n');
 }
 
 TEST(EncryptDictionary, IsWrittenWithACryptFilterFromVersion16On) {

@@ -262,7 +262,7 @@ TEST(EncryptedString, OfAnObjectInAnObjectStreamStays) {
 
 std::string writeString(const SObj& current, bool noEncrypt, const std::string& value = "secret") {
   CDestFile dest;
-  dest.encrypt = rc4Record;
+  dest.fileInfo.encrypt = rc4Record;
   dest.currentObject = current;
   CStringType string(SObj(1, 0));
   string.value = value;
@@ -337,7 +337,7 @@ TEST(EncryptedStream, IsEncryptedWhileItIsWrittenAndItsLengthFollows) {
   ASSERT_TRUE(stream.Read(source));
   CDestFile dest;
   dest.append("<</Length    >>stream");
-  dest.encrypt = aes128Record;
+  dest.fileInfo.encrypt = aes128Record;
   dest.currentObject = object;
   EXPECT_TRUE(stream.Write(dest, source, 9, 4));
   const std::string head = "<</Length 32 >>stream\r\n";
@@ -352,7 +352,7 @@ TEST(EncryptedStream, StaysWithoutACurrentObjectAndWhenItIsEmpty) {
     stream.length = static_cast<int>(data.size());
     ASSERT_TRUE(stream.Read(source));
     CDestFile dest;
-    dest.encrypt = aes128Record;
+    dest.fileInfo.encrypt = aes128Record;
     dest.currentObject = data.empty() ? object : SObj();
     EXPECT_TRUE(stream.Write(dest, source, 0, 0));
     EXPECT_EQ(static_cast<std::string&>(dest), "\r\n" + data);

@@ -105,7 +105,7 @@ void Harvest::reserveDestinations() {
 
 void Harvest::writeTexts() {
   writer.setNumberSource(this);
-  giveOutputKey(state, writer.encrypt);
+  giveOutputKey(state, writer.fileInfo.encrypt);
   next = state.startObjNo;
   // A copy: writing may read the source, and reading may enter objects.
   const std::vector<Identity> waiting(state.numbering.pendingObjects().begin(),

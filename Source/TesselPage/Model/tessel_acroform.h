@@ -19,6 +19,9 @@ class CAcroForm : public CObj {
   bool Read(CSourFile& source) override;
   bool ReadOthers(CSourFile& source, std::list<SObj>& work);
   bool ReadObjs(CSourFile* main, CSourFile& source, std::list<SObj>& work);
+  /// Writes a new form with the formFields of all sources, under their new numbers.
+  /// @return false, with the object unfinished, when one has no new number
+  bool Write(CDestFile& dest, CSourFile& source) override;
   void Init();
 
   std::set<SObj> fields;                            ///< /Fields, and widgets that the form filter kept

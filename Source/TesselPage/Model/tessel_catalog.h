@@ -24,6 +24,9 @@ class CCatalog : public CObj {
   CCatalog() { typeFlags = foundByTable; }
 
   bool Read(CSourFile& source) override;
+  /// Writes a new catalog under the destination's /Root identity: the destination's page tree, and of this
+  /// catalog the form, the optional content and the names that have a number. Always true.
+  bool Write(CDestFile& dest, CSourFile& source) override;
   void Init();
 
   SObj pages;     ///< /Pages: start of the page tree

@@ -47,6 +47,12 @@ class CPage : public CObj {
   /// number is null.
   bool WriteObj(CDestFile& dest, CSourFile& source, bool* dropped) override;
 
+  /// Writes the page under its new number, as WriteObj copies it, and enters it in its source's node of the
+  /// destination's page tree, which it makes when there is none. With the raw flag: as it stands and under
+  /// its own number.
+  /// @return false for a page that has no new number
+  bool Write(CDestFile& dest, CSourFile& source) override;
+
   std::string pageGroup;  ///< /Group, from behind the key to its ">>"
   std::string selectorA;
   std::string selectorB;

@@ -62,6 +62,18 @@ class CFileInfo : public CObj {
   /// One cross-reference stream, from behind its object number. On success `number` holds /Prev or -1.
   bool ReadXRefObj(CSourFile& source, long long& number, bool hybrid);
 
+  /// Closes a file that is being written: CInfo::Write, CEncrypt::Write when /Encrypt has a number, Tidy when
+  /// the destination has its raw flag set, WriteXRef. Always true. The /Info dictionary stays unclosed, so a
+  /// caller that wants a clean file takes Tidy and WriteXRef alone.
+  bool Write(CDestFile& dest, CSourFile& source) override;
+  /// Brings the table to the form that one section needs: of two generations of a number the higher stays,
+  /// the numbers below the highest that have no entry become free ones, and the free ones are chained upwards
+  /// (ISO 32000-2, 7.5.4). Linear in the highest number.
+  void Tidy();
+  /// Appends the table as one section, the trailer and "startxref" (ISO 32000-2, 7.5.4 and 7.5.5). The
+  /// trailer takes /Info, /Encrypt and /ID as they are set here. Always true.
+  bool WriteXRef(CDestFile& dest);
+
   /// All users reach the main table here; a memory source shares the real one's.
   Entries* entries = &objEntries;
   Entries objEntries;
@@ -84,6 +96,8 @@ class CFileInfo : public CObj {
   bool readSubsection(CSourFile& source, int first, int count);
   bool readInfo(CSourFile& source);
   bool readSecurity(CSourFile& source);
+  void writeTable(CDestFile& dest) const;
+  void writeTrailer(CDestFile& dest);
   const SObjState* find(const SObj& object) const;
 
   XRefBudget budget;

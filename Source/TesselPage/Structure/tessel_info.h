@@ -65,8 +65,11 @@ class CFileID : public CFileBlock {
 
   /// Reads nothing and answers true.
   bool Read(CSourFile& source) override;
-  /// Writes nothing here and answers true.
+  /// WriteID.
   bool Write(CDestFile& dest, CSourFile& source) override;
+  /// Appends "/ID[<...><...>]" in hexadecimal, both strings with the recorded length: cut there, or filled
+  /// with zero bytes. Always true.
+  bool WriteID(CDestFile& dest) const;
 
   /// The string up to its first zero byte.
   static std::string asCString(const std::string& text) { return text.c_str(); }

@@ -27,6 +27,12 @@ namespace TESSEL {
 
 class CCatalog;
 
+/// Title and type of a form field.
+struct FldTilAndType {
+  std::string title;
+  std::string type;
+};
+
 /// What the host asked for; a memory source takes these over from the real one.
 struct SourceSwitches {
   PgCmTD pageMatrix;                        ///< setPageCm
@@ -110,6 +116,11 @@ class CSourFile : public std::istream {
   DestLookup destLookup;      ///< what a destination's target is looked up in; for the source's whole life
   long long indirectNumbers = 0;  ///< that annotations took from arrays behind references; they are bounded
   std::set<SObj> documentObjs;    ///< reached by the form and name readers
+
+  // For a merge.
+  SObj newRoot;  ///< node of the output's page tree that this source's pages go to
+  /// Fields that CAcroForm::Write lists; filled by nothing in the library.
+  std::map<SObj, FldTilAndType> formFields;
 
   /// Looks a named destination up in the name tree of the catalog's /Dests (ISO 32000-2, 12.3.2.4), which is
   /// known from the first harvest on. Every node of the tree is read once. The position is kept.

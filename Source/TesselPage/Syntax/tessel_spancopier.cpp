@@ -102,7 +102,7 @@ void SpanCopier::copyString(bool hexadecimal, const PgCmTD* placement) {
   CStringType string(id);
   string.hexadecimal = hexadecimal;
   string.noDecrypt = id == source.mainSource().fileInfo.encrypt.id;
-  string.noEncrypt = id == dest.encrypt.id;
+  string.noEncrypt = id == dest.fileInfo.encrypt.id;
   string.Read(source);
   if (placement) string.Translate4Annot(*placement);
   string.Write(dest, source);

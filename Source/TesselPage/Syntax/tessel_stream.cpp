@@ -223,13 +223,13 @@ bool CStreamType::Write(CDestFile& dest, CSourFile&, long long lengthPos, long l
   dest.append(kw_r_n);
   body = body.substr(0, static_cast<std::size_t>(std::max(length, 0)));
   const bool encrypted = dest.encrypts() && !body.empty();
-  if (encrypted) length = static_cast<int>(encryptedSize(dest.encrypt, body.size()));
+  if (encrypted) length = static_cast<int>(encryptedSize(dest.fileInfo.encrypt, body.size()));
   if (lengthWidth >= 1) {
     const std::string value = ' ' + std::to_string(length) + ' ';
     dest.replace(static_cast<std::size_t>(lengthPos), static_cast<std::size_t>(lengthWidth), value);
   }
   if (encrypted)
-    appendEncrypted(dest.encrypt, dest.currentObject, body, dest);
+    appendEncrypted(dest.fileInfo.encrypt, dest.currentObject, body, dest);
   else
     dest.append(body);
   return true;

@@ -160,7 +160,7 @@ bool CStringType::RedHexString(std::istream& in) {
 
 bool CStringType::Write(CDestFile& dest, CSourFile&) {
   if (dest.encrypts() && !value.empty() && !noEncrypt)
-    encryptString(dest.encrypt, &dest.currentObject, value);
+    encryptString(dest.fileInfo.encrypt, &dest.currentObject, value);
   length = static_cast<int>(value.size());
   WrtBody(dest);
   return true;

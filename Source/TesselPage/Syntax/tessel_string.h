@@ -17,6 +17,8 @@ class CStringType : public CObj {
   bool Read(CSourFile& source) override;
   /// Encrypts when the destination asks for it, then writes the body with its closing byte.
   bool Write(CDestFile& dest, CSourFile& source) override;
+  /// The same, for writers that have no source.
+  void writeTo(CDestFile& dest);
 
   /// Body of a hexadecimal string up to ">"; other bytes are passed over.
   bool RedHexString(std::istream& in);
