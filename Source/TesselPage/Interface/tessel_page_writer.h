@@ -34,7 +34,7 @@ class PageWriter : public CDestFile {
   void writeAs(int number) {
     if (number == 0) return;
     currentObject = SObj(number, 0);
-    giveOutputKey(state, encrypt);
+    giveOutputKey(state, fileInfo.encrypt);
   }
 
   /// The text so far, cut at the last "endobj".

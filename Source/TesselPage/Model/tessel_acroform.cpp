@@ -5,6 +5,7 @@
 
 #include "TesselPage/Model/tessel_harvest.h"
 #include "TesselPage/Model/tessel_keyscan.h"
+#include "TesselPage/Model/tessel_newobject.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 
 namespace TESSEL {
@@ -120,6 +121,34 @@ bool CAcroForm::ReadOthers(CSourFile& source, std::list<SObj>& work) {
 
 bool CAcroForm::ReadObjs(CSourFile* main, CSourFile& source, std::list<SObj>& work) {
   return harvestObject(*main, source, id, work);
+}
+
+namespace {
+
+/// The fields of one source under their new numbers; false at the first that has none.
+bool writeFields(CDestFile& dest, int file, const CSourFile& source) {
+  for (const auto& [field, titleAndType] : source.formFields) {
+    if (field.hasAny(ObjFlag::notAField)) continue;
+    const SObj* newId = dest.findNewObjOf(file, field);
+    if (!newId) return false;
+    dest.append(kw_);
+    writeNumbers(dest, *newId);
+    dest.append("R ");
+  }
+  return true;
+}
+
+}  // namespace
+
+bool CAcroForm::Write(CDestFile& dest, CSourFile&) {
+  openNewObject(dest, id);
+  dest.append(nmFields).append("[");
+  int file = 0;
+  for (const auto& [number, source] : dest.files)
+    if (!writeFields(dest, ++file, *source)) return false;
+  dest.append("] ");
+  closeNewObject(dest);
+  return true;
 }
 
 void CAcroForm::Init() {

@@ -7,6 +7,8 @@
 #include "TesselPage/Model/tessel_dpart.h"
 #include "TesselPage/Model/tessel_harvest.h"
 #include "TesselPage/Model/tessel_keyscan.h"
+#include "TesselPage/Model/tessel_newobject.h"
+#include "TesselPage/Model/tessel_pages.h"
 #include "TesselPage/Model/tessel_structtree.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/Syntax/tessel_positionguard.h"
@@ -259,6 +261,23 @@ Turn CatalogScan::readNames() {
 bool CCatalog::Read(CSourFile& source) {
   CatalogScan scan(*this, source);
   return scanKeys(source, scan);
+}
+
+bool CCatalog::Write(CDestFile& dest, CSourFile&) {
+  openNewObject(dest, dest.fileInfo.root);
+  dest.append(nmType).append(nmCatalog).append(nmPages).append(kw_);
+  writeNumbers(dest, dest.rootPages().id);
+  dest.append("R ");
+  const std::pair<const char*, SObj> parts[] = {
+      {nmAcroForm, form.id}, {nmOCProperties, optionalContent.id}, {nmNames, names.id}};
+  for (const auto& [key, object] : parts) {
+    if (object.objNum < 1) continue;
+    dest.append(key).append(kw_);
+    writeNumbers(dest, object);
+    dest.append("R ");
+  }
+  closeNewObject(dest);
+  return true;
 }
 
 void CCatalog::Init() {

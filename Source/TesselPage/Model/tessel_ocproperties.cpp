@@ -8,8 +8,8 @@
 
 #include "TesselPage/Model/tessel_harvest.h"
 #include "TesselPage/Model/tessel_keyscan.h"
+#include "TesselPage/Model/tessel_newobject.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
-#include "TesselPage/Writer/tessel_destfile.h"
 
 namespace TESSEL {
 
@@ -249,16 +249,13 @@ bool COCProperties::ReadArray(CSourFile& source, std::vector<SObj>& list) {
 
 // /Order and /OCGs aren't written: the host supplies what more it wants.
 bool COCProperties::Write(CDestFile& dest, CSourFile&) {
-  dest << id.objNum;
-  dest += " ";
-  dest << id.genNum;
-  dest += " obj\n<<";
-  dest.currentObject = id;
+  openNewObject(dest, id);
   dest += "/D<</OFF[";
   writeGroups(dest, off);
   dest += "]/ON[";
   writeGroups(dest, on);
-  dest += "]>> >>endobj\n";
+  dest += "]>> ";
+  closeNewObject(dest);
   return true;
 }
 

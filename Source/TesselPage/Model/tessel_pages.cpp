@@ -235,6 +235,9 @@ bool CPages::ReadKids(CSourFile& source, std::vector<SObj>& list) {
 
 void CPages::Init() {
   count = 0;
+  sourceIndex = 0;
+  writtenMask = 0;
+  ancestors.clear();
   id.objNum = 0;
   kids.clear();
   type.clear();

@@ -22,6 +22,8 @@ class CPages : public CObj {
   /// Writes a new /Pages object: the kids, and for a node of a source that has ancestors what WriteOther
   /// carries over and the destination's root as /Parent. Always true.
   bool Write(CDestFile& dest, CSourFile& source) override;
+  /// The same, for writers that have no source at hand.
+  void writeTo(CDestFile& dest);
   /// Visits the ancestors in the node's source until one of them has yielded /MediaBox, /CropBox or /Rotate.
   /// False, with the ancestor left in the list, when one can't be reached or lies in an object stream.
   bool WriteOther(CDestFile& dest);

@@ -114,6 +114,7 @@ bool CInfo::readDirect(CSourFile& source, const std::string& key) {
 }
 
 bool CInfo::Write(CDestFile& dest, CSourFile& source) {
+  dest.RecordObjInfo(id);
   dest << id.objNum;
   dest.append(" ");
   dest << id.genNum;
@@ -164,7 +165,5 @@ void CInfo::SetInfo(const InfoDic& record) {
 }
 
 bool CFileID::Read(CSourFile&) { return true; }
-
-bool CFileID::Write(CDestFile&, CSourFile&) { return true; }
 
 }  // namespace TESSEL

@@ -80,6 +80,7 @@ bool CObj::Write(CDestFile& dest, CSourFile& source) {
   if (!dest.rawFlag) {
     const SObj* const newId = dest.findNewObj(id);
     if (!newId) return false;
+    dest.RecordObjInfo(*newId);
     dest.currentObject = *newId;
   }
   writeHead(dest, dest.rawFlag ? id : dest.currentObject);

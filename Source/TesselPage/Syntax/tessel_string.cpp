@@ -159,11 +159,15 @@ bool CStringType::RedHexString(std::istream& in) {
 }
 
 bool CStringType::Write(CDestFile& dest, CSourFile&) {
+  writeTo(dest);
+  return true;
+}
+
+void CStringType::writeTo(CDestFile& dest) {
   if (dest.encrypts() && !value.empty() && !noEncrypt)
     encryptString(dest.fileInfo.encrypt, &dest.currentObject, value);
   length = static_cast<int>(value.size());
   WrtBody(dest);
-  return true;
 }
 
 void CStringType::WrtString(CDestFile& dest) const {

@@ -24,10 +24,6 @@ Facade_stringstream& Facade_stringstream::operator<<(double number) {
   return *this;
 }
 
-CDestFile::CDestFile(const std::string&) {}
-
-CDestFile::~CDestFile() = default;
-
 void CDestFile::insertNewObjTab(const NewObjTable& key, const SObj& newId) { newNumbers.emplace(key, newId); }
 
 const SObj* CDestFile::findNewObj(const SObj& object, int index) const {
@@ -36,8 +32,13 @@ const SObj* CDestFile::findNewObj(const SObj& object, int index) const {
   return index == 0 && fallback ? fallback->find(object) : nullptr;
 }
 
+const SObj* CDestFile::findNewObjOf(int file, const SObj& object) const {
+  const auto found = newNumbers.find({0, file, object});
+  return found == newNumbers.end() ? nullptr : &found->second;
+}
+
 void CDestFile::RecordObjInfo(const SObj& id) {
-  SObjState& entry = objEntries[id];
+  SObjState& entry = (*fileInfo.entries)[id];
   entry.entryOffset = static_cast<long long>(endMark) - static_cast<long long>(start);
   entry.entryType = static_cast<unsigned char>(EntryType::atOffset);
   entry.entryFlag = 'n';

@@ -141,6 +141,8 @@ class CDestFile : public Facade_stringstream {
   std::map<SObj, std::unique_ptr<CPages>> pages;
 
  private:
+  void writeSelected(CSourFile& source, int page);
+
   std::map<NewObjTable, SObj> newNumbers;
   std::map<NewObjTable, SObj> destinations;
   const NumberSource* fallback = nullptr;
