@@ -4,6 +4,8 @@
 robust   each file through `dump` and `nup`: ends in time, exit status 0 or 1, no sanitizer report
 render   each file of the classes named, through `nup --grid 1x1 --paper auto`: the output passes `qpdf --check`, and each page
          looks like the source's in poppler and in mupdf
+merge    groups of 2 to 20 sound files through the merging example, whole and by ranges (--tool names that program): the output
+         passes `qpdf --check`, and its pages are those of the sources, in number and in looks
 encrypted  each file of the class of that name, with each of its passwords and with none: what pdfinfo opens opens, all else ends with
          exit status 1 and one line, or with 0
 
@@ -24,10 +26,11 @@ import time
 MEAN_LIMIT = 2.0        # of 255
 FAR_LIMIT = 0.01        # share of pixels off by more than 64
 TIME_LIMIT = 10         # seconds for one run
+MERGE_GROUP = (2, 20)   # fewest and most files of one merge
 RENDER_TIME_LIMIT = 120
 SOUND_OPEN_SHARE = 0.99
 SOUND_PAGE_SHARE = 0.98
-DEFAULT_CLASSES = {"robust": "", "render": "sound", "encrypted": "encrypted"}
+DEFAULT_CLASSES = {"robust": "", "render": "sound", "merge": "sound", "encrypted": "encrypted"}
 # What pdfinfo opens and tessel doesn't; Docs/corpus.md tells why.
 KNOWN_MISSES = {"encrypted/" + name for name in (
     "js-auth-event-ef-open.pdf", "js-encrypted-attachment.pdf", "js-issue15893_reduced.pdf", "js-issue19484_1.pdf",
@@ -107,21 +110,30 @@ def page_verdict(line):
 
 def compare_renderings(task, out, renderer, folder):
     """(pages compared, misses)"""
-    rendered = []
-    for path, name, password in ((task.path, "source", task.password), (out, "output", "")):
-        target = os.path.join(folder, renderer.__name__ + "-" + name)
-        os.mkdir(target)
-        renderer(path, target, options.annotations, password)
-        rendered.append(target)
-    status, stdout, _, _ = run([options.compare] + rendered, RENDER_TIME_LIMIT)
+    rendered = [rendering(renderer, path, os.path.join(folder, renderer.__name__ + "-" + name), password)
+                for path, name, password in ((task.path, "source", task.password), (out, "output", ""))]
+    result = page_misses(*rendered)
+    for target in rendered:
+        shutil.rmtree(target)
+    return result
+
+
+def rendering(renderer, path, target, password=""):
+    """Renders all pages into a new folder; the folder"""
+    os.mkdir(target)
+    renderer(path, target, options.annotations, password)
+    return target
+
+
+def page_misses(source, output):
+    """(pages compared, misses) of two folders"""
+    _, stdout, _, _ = run([options.compare, source, output], RENDER_TIME_LIMIT)
     lines = stdout.decode().splitlines()
     misses = []
     for line in lines:
         verdict = page_verdict(line)
         if verdict:
             misses.append((int(line.split()[0]), verdict))
-    for target in rendered:
-        shutil.rmtree(target)
     return len(lines), misses
 
 
@@ -166,6 +178,120 @@ def encrypted_one(task):
         elif theirs and status == 1:
             trouble.append(f"{task.name} '{password}': opens elsewhere; {stderr.strip()}")
     return len(passwords), elsewhere, here, known, trouble
+
+
+def groups_of(tasks):
+    """The files in groups of 2 to 20. Those that don't open at all are named and left out."""
+    opened = []
+    for task, (status, stderr, pages) in in_parallel(opens_alone, tasks):
+        if status != 0:
+            print(f"  {task.name}: {status} {stderr.strip()[:200]}")
+            continue
+        if pages != task.pages:
+            print(f"  {task.name}: {pages} pages instead of {task.pages}")
+        opened.append(task._replace(pages=pages))
+    groups = []
+    at = 0
+    while len(opened) - at >= MERGE_GROUP[0]:
+        size = MERGE_GROUP[0] + len(groups) % (MERGE_GROUP[1] - MERGE_GROUP[0] + 1)
+        groups.append(opened[at:at + size])
+        at += size
+    return len(opened), [group for group in groups if len(group) >= MERGE_GROUP[0]]
+
+
+def opens_alone(task):
+    with tempfile.TemporaryDirectory() as folder:
+        out = os.path.join(folder, "out.pdf")
+        status, _, stderr, _ = run([options.tool, out, "1:0", task.path], TIME_LIMIT)
+        return status, stderr, page_count(out) if status == 0 else 0
+
+
+def page_count(path):
+    status, stdout, _, _ = run(["qpdf", "--show-npages", path], RENDER_TIME_LIMIT)
+    return int(stdout) if status in (0, 3) else 0
+
+
+def whole_selection(group):
+    """(selection text, expected pages as pairs of task and page)"""
+    text = " ".join(f"{number}:0" for number in range(1, len(group) + 1))
+    return text, [(task, page) for task in group for page in range(1, task.pages + 1)]
+
+
+def range_selection(group):
+    """Ranges of the files from the last to the first: single pages whole, else without the second page."""
+    parts, pages = [], []
+    for number in range(len(group), 0, -1):
+        task = group[number - 1]
+        wanted = [1] + list(range(3, task.pages + 1))
+        parts.append(f"{number}:1" + (f",3~{task.pages}" if task.pages > 3 else ",3" if task.pages == 3 else ""))
+        pages += [(task, page) for page in wanted]
+    return " ".join(parts), pages
+
+
+def merge_one(group):
+    """Lines of trouble, Counter of pages by renderer, list of misses"""
+    trouble, misses, pages = [], [], collections.Counter()
+    with tempfile.TemporaryDirectory() as folder:
+        sources = {(renderer, task): rendering(renderer, task.path, os.path.join(folder, f"{renderer.__name__}-{number}"))
+                   for renderer in RENDERERS for number, task in enumerate(group)}
+        for select in (whole_selection, range_selection):
+            text, expected = select(group)
+            out = os.path.join(folder, select.__name__ + ".pdf")
+            name = f"{group[0].name} and {len(group) - 1} more, {text}"
+            command = [options.tool, out, text] + [task.path for task in group]
+            status, _, stderr, _ = run(command, TIME_LIMIT * len(group))
+            if status != 0:
+                trouble.append(f"{name}: {status} {stderr.strip()[-2000:]}")
+                continue
+            checked, stdout, stderr, _ = run(["qpdf", "--check", out], RENDER_TIME_LIMIT)
+            if checked != 0:
+                trouble.append(f"{name}: qpdf --check: {(stdout.decode('utf-8', 'replace') + stderr).strip()[-400:]}")
+            if page_count(out) != len(expected):
+                trouble.append(f"{name}: {page_count(out)} pages instead of {len(expected)}")
+            for renderer in RENDERERS:
+                target = rendering(renderer, out, os.path.join(folder, renderer.__name__ + select.__name__))
+                wanted = in_order(expected, renderer, sources, target + "-expected")
+                count, missed = page_misses(wanted, target)
+                pages[renderer.__name__] += count
+                misses += [(expected[page - 1] if page <= len(expected) else (group[-1], 0), renderer.__name__,
+                            select.__name__, verdict) for page, verdict in missed]
+    return trouble, pages, misses
+
+
+def in_order(expected, renderer, sources, target):
+    """A folder with the renderings of these pages of the sources, numbered anew"""
+    os.mkdir(target)
+    for number, (task, page) in enumerate(expected, 1):
+        folder = sources[renderer, task]
+        for file in os.listdir(folder):
+            stem, extension = os.path.splitext(file)
+            if int(stem.rsplit("-", 1)[1]) == page:
+                os.symlink(os.path.join(folder, file), os.path.join(target, f"p-{number}{extension}"))
+    return target
+
+
+def merge(tasks):
+    opened, groups = groups_of([task for task in tasks if task.pages])
+    print(f"merge: {opened} of {len(tasks)} files open, in {len(groups)} groups, each merged whole and by ranges")
+    troubles = 0
+    pages, missed = collections.Counter(), collections.Counter()
+    for group, (trouble, counted, misses) in in_parallel(merge_one, groups):
+        troubles += len(trouble)
+        pages += counted
+        for line in trouble:
+            print("  " + line)
+        for (task, page), renderer, selection, verdict in misses:
+            missed[renderer] += 1
+            print(f"  {task.name} page {page} {renderer} {selection}: {verdict}")
+    good = troubles == 0
+    for renderer in pages:
+        like = 1 - missed[renderer] / max(1, pages[renderer])
+        print(f"merge: {renderer}: {pages[renderer] - missed[renderer]} of {pages[renderer]} pages alike ({like:.2%})")
+        good = good and like >= SOUND_PAGE_SHARE
+    return good
+
+
+RENDERERS = (render_with_poppler, render_with_mupdf)
 
 
 def in_parallel(function, tasks):
@@ -226,7 +352,7 @@ def render(tasks):
 
 def parse():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("job", choices=("robust", "render", "encrypted"))
+    parser.add_argument("job", choices=("robust", "render", "merge", "encrypted"))
     parser.add_argument("--corpus", required=True, help="folder with MANIFEST.tsv")
     parser.add_argument("--tool", required=True, help="the tessel program")
     parser.add_argument("--compare", default="", help="the raster_compare program")
@@ -247,7 +373,7 @@ def main():
     tasks = [task for task in read_manifest(options.corpus)
              if (not classes or task.kind in classes.split(",")) and options.match in task.name]
     tasks = tasks[:: options.every]
-    good = {"robust": robust, "render": render, "encrypted": encrypted}[options.job](tasks)
+    good = {"robust": robust, "render": render, "merge": merge, "encrypted": encrypted}[options.job](tasks)
     print(f"{options.job}: {'passed' if good else 'FAILED'}")
     return 0 if good else 1
 
