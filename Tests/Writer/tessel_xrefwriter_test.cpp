@@ -356,13 +356,15 @@ TEST(CloseFile, TidyingTakesObjectZeroOutAgain) {
 
 TEST(CloseFile, EncryptsTheInfoButNeitherItsOwnDictionaryNorTheIdentifier) {
   Output output(SObj(4, 0), true);
+  output.dest.fileInfo.info.title = "in clear words";
   CEncrypt& record = output.dest.fileInfo.encrypt;
   record.accessState = CEncrypt::keyFromHost;
   record.method = 1;
   record.fileKey.put("12345");
   setId(output.dest.fileInfo, "AB", "CD");
   const std::string text = output.write();
-  EXPECT_EQ(text.find("/Title (T)"), std::string::npos);
+  EXPECT_TRUE(text.starts_with("4 0 obj\n<</Title ("));
+  EXPECT_EQ(text.find("clear"), std::string::npos);
   EXPECT_NE(text.find(encryptText), std::string::npos);
   EXPECT_NE(text.find("/ID[<4142><4344>]"), std::string::npos);
 }
