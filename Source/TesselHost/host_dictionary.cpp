@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <optional>
 
+#include "TesselHost/host_number.h"
+
 namespace TesselHost {
 
 namespace {
@@ -124,6 +126,22 @@ bool skipValue(Cursor& cursor) {
   return true;
 }
 
+/// Hands keys and values of the first dictionary in `text` to `visit` until it answers false.
+template <class Visit>
+void forEachEntry(std::string_view text, const Visit& visit) {
+  Cursor cursor(text);
+  for (auto token = cursor.next(); token != "<<"; token = cursor.next())
+    if (token.empty()) return;
+  for (;;) {
+    const auto name = cursor.next();
+    if (name.empty() || name == ">>") return;
+    if (name[0] != '/') continue;
+    const auto start = cursor.peekPosition();
+    if (!skipValue(cursor)) return;
+    if (!visit(name, text.substr(start, cursor.position() - start))) return;
+  }
+}
+
 }  // namespace
 
 std::string_view valueAt(std::string_view text) {
@@ -133,16 +151,64 @@ std::string_view valueAt(std::string_view text) {
 }
 
 std::string_view valueOfKey(std::string_view text, std::string_view key) {
+  std::string_view found;
+  forEachEntry(text, [&](std::string_view name, std::string_view value) {
+    if (name == key) found = value;
+    return name != key;
+  });
+  return found;
+}
+
+std::vector<std::pair<std::string_view, std::string_view>> entriesOf(std::string_view text) {
+  std::vector<std::pair<std::string_view, std::string_view>> entries;
+  forEachEntry(text, [&](std::string_view name, std::string_view value) {
+    entries.emplace_back(name, value);
+    return true;
+  });
+  return entries;
+}
+
+std::vector<std::string_view> valuesIn(std::string_view text) {
+  std::vector<std::string_view> values;
   Cursor cursor(text);
-  for (auto token = cursor.next(); token != "<<"; token = cursor.next())
-    if (token.empty()) return {};
   for (;;) {
-    const auto name = cursor.next();
-    if (name.empty() || name == ">>") return {};
-    if (name[0] != '/') continue;
     const auto start = cursor.peekPosition();
-    if (!skipValue(cursor)) return {};
-    if (name == key) return text.substr(start, cursor.position() - start);
+    if (!skipValue(cursor)) return values;
+    values.push_back(text.substr(start, cursor.position() - start));
+  }
+}
+
+std::vector<std::string_view> elementsOf(std::string_view value) {
+  const bool array = value.size() >= 2 && value.front() == '[' && value.back() == ']';
+  return array ? valuesIn(value.substr(1, value.size() - 2)) : std::vector<std::string_view>{};
+}
+
+bool isDictionary(std::string_view value) { return value.substr(0, 2) == "<<"; }
+
+std::optional<std::pair<int, int>> referenceIn(std::string_view value) {
+  Cursor cursor(value);
+  const auto number = parseCount(cursor.next());
+  const auto generation = parseCount(cursor.next());
+  if (!number || !generation || cursor.next() != "R") return std::nullopt;
+  return std::pair{*number, *generation};
+}
+
+std::string withReferences(std::string_view text,
+                           const std::function<std::string(const std::pair<int, int>&)>& replacement) {
+  std::string result;
+  Cursor cursor(text);
+  std::size_t copied = 0;
+  for (;;) {
+    const auto start = cursor.peekPosition();
+    const auto token = cursor.next();
+    if (token.empty()) return result += text.substr(copied);
+    if (!isCount(token)) continue;
+    skipReference(cursor);
+    const auto reference = referenceIn(text.substr(start, cursor.position() - start));
+    if (!reference) continue;
+    result += text.substr(copied, start - copied);
+    result += replacement(*reference);
+    copied = cursor.position();
   }
 }
 

@@ -1,6 +1,7 @@
 #include "TesselHost/host_document.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <iterator>
@@ -64,6 +65,7 @@ std::string pageOf(const Sheet& sheet, int parent, int contents) {
                                  referenceTo(parent), decimal(sheet.size.width), decimal(sheet.size.height),
                                  resourcesOf(sheet), referenceTo(contents));
   if (const std::string group = groupOf(sheet); !group.empty()) page += "/Group " + group;
+  if (!sheet.annotations.empty()) page += fmt::format("/Annots[{}]", fmt::join(sheet.annotations, " "));
   if (sheet.userUnit != 1) page += "/UserUnit " + decimal(sheet.userUnit);
   return page + ">>";
 }
@@ -76,9 +78,8 @@ OutputDocument::OutputDocument(ByteSink& sink, const ObjectWriter::Options& opti
 void OutputDocument::add(const Sheet& sheet) {
   const int contentsNumber = contentsFor(sheet);
   const int parent = tree.parentOfNext();
-  const int page = writer.reserve();
-  writer.writeBody({page, 0}, pageOf(sheet, parent, contentsNumber));
-  tree.add(page);
+  writer.writeBody({sheet.number, 0}, pageOf(sheet, parent, contentsNumber));
+  tree.add(sheet.number);
 }
 
 /// Sheets of pages of one size have the same content, but for the forms that its names stand for.
@@ -93,10 +94,11 @@ int OutputDocument::contentsFor(const Sheet& sheet) {
   return number;
 }
 
-void OutputDocument::finish() {
+void OutputDocument::finish(std::string_view catalogEntries) {
   const int root = tree.finish();
   const int catalog = writer.reserve();
-  writer.writeBody({catalog, 0}, fmt::format("<</Type/Catalog/Pages {}>>", referenceTo(root)));
+  writer.writeBody({catalog, 0},
+                   fmt::format("<</Type/Catalog/Pages {}{}>>", referenceTo(root), catalogEntries));
   const int info = writer.reserve();
   writer.writeBody({info, 0}, "<</Producer(tessel)>>");
   writer.finish({catalog, info, id});

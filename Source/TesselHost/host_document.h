@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "TesselHost/host_equalstreams.h"
@@ -20,9 +21,11 @@ struct Placement {
 
 /// A page of the output.
 struct Sheet {
+  int number = 0;  ///< of its object, from OutputDocument::reserveSheet
   Size size;
   double userUnit = 1;  ///< ISO 32000-2, 7.7.3.3, /UserUnit
   std::vector<Placement> placements;
+  std::vector<std::string> annotations;  ///< references and dictionaries (ISO 32000-2, 12.5.2)
 };
 
 /// The PDF that the host writes: sheets, one after the other. One thread at a time.
@@ -33,10 +36,13 @@ class OutputDocument {
   OutputDocument(ByteSink& sink, const ObjectWriter::Options& options, std::string id);
 
   ObjectWriter& objects() { return writer; }
+  /// A number for a sheet's object, so that others can refer to it before it is written.
+  int reserveSheet() { return writer.reserve(); }
   /// Writes a sheet as the next page.
   void add(const Sheet& sheet);
   /// Writes page tree, catalog, information and trailer. At least one sheet must have been added.
-  void finish();
+  /// @param catalogEntries  what the catalog holds besides the page tree
+  void finish(std::string_view catalogEntries = {});
 
  private:
   int contentsFor(const Sheet& sheet);

@@ -18,7 +18,6 @@ namespace Result = TESSEL::Result;
 
 constexpr std::string_view emptyDictionary = "<<>>";
 
-bool isDictionary(std::string_view value) { return value.substr(0, 2) == "<<"; }
 bool isReference(std::string_view value) { return !value.empty() && value.back() == 'R'; }
 
 /// The value, unless it is neither a dictionary nor a reference to one.
@@ -77,53 +76,21 @@ bool isWrittenReference(std::string_view value, const CTesselPage& page) {
   return number && (found == page.end() || !found->second.empty());
 }
 
-/// The largest number that the harvest has given; the start when it gave none.
-int largestNumber(const CTesselPage& page, int start) {
-  int largest = page.empty() ? start - 1 : page.rbegin()->first.first;
-  for (const auto& pair : page.getNewObjectPairs()) largest = std::max(largest, pair.second.first);
-  return std::max(largest, start - 1);
-}
-
 }  // namespace
 
-void FormMaker::warn(const Source& source, int page, const std::string& what) {
+void warnOfPage(Observer& observer, const Source& source, int page, const std::string& what) {
   observer.warn(fmt::format("{}: page {}: {}", source.path(), page, what));
 }
 
-PageForm FormMaker::make(Source& source, int page) {
+PageForm FormMaker::make(Source& source, int page, const PageGeometry& geometry, int number) {
   PageForm form;
-  const auto geometry = source.geometryOf(page);
-  form.size = geometry ? geometry->size() : letterSize;
-  if (!geometry) {
-    warn(source, page, "no usable size, its place stays empty");
-    return form;
-  }
-  if (!select(source, page)) return form;
-  form.number = writer.reserve();
-  harvest(source.pages(), form.number);
+  form.number = number;
+  form.size = geometry.size();
   const std::string dictionary = source.pages().getPageRootString(0);
   form.group = groupIn(dictionary);
   form.userUnit = userUnitIn(dictionary);
-  form.number = writeForm(source, page, *geometry, form, dictionary);
-  writeObjects(source.pages());
+  form.number = writeForm(source, page, geometry, form, dictionary);
   return form;
-}
-
-bool FormMaker::select(Source& source, int page) {
-  const int result = source.pages().setPageNo(page);
-  if (result == Result::success) return true;
-  warn(source, page, fmt::format("{} ({}), its place stays empty", reasonOf(result), result));
-  return false;
-}
-
-void FormMaker::harvest(CTesselPage& page, int formNumber) {
-  page.setOld2NewObjectVector(page.getNewObjectPairs());
-  page.setStreamObjMap(&digests);
-  page.setCurPageObj(formNumber, 0);
-  if (writer.protection()) writer.protection()->giveKeyTo(page);
-  const int start = writer.nextNumber();
-  page.setStartObjNo(start);
-  writer.reserveThrough(largestNumber(page, start));
 }
 
 /// The number of the form's object: another one than `form` has when the output holds an equal one.
@@ -159,7 +126,7 @@ std::string FormMaker::askForResources(Source& source, int page, int pageNumber)
   const std::string* resources = nullptr;
   const int result = source.pages().getPageRes(&resources, pageNumber);
   if (result == Result::success) return std::string(orEmptyDictionary(valueAt(*resources)));
-  warn(source, page, fmt::format("resources: {} ({})", reasonOf(result), result));
+  warnOfPage(observer, source, page, fmt::format("resources: {} ({})", reasonOf(result), result));
   return std::string(emptyDictionary);
 }
 
@@ -167,18 +134,9 @@ std::string_view FormMaker::contentsOf(Source& source, int page) {
   const std::string* contents = nullptr;
   const int result = source.pages().getPageContents(&contents);
   if (result == Result::success) return *contents;
-  warn(source, page, fmt::format("content: {} ({}), its place stays empty", reasonOf(result), result));
+  warnOfPage(observer, source, page,
+             fmt::format("content: {} ({}), its place stays empty", reasonOf(result), result));
   return {};
-}
-
-void FormMaker::writeObjects(const CTesselPage& page) {
-  for (const auto& [object, body] : page) {
-    // An object that couldn't be read stays a free entry, which is null to a reader.
-    if (body.empty()) continue;
-    writer.writeHarvested(object, body);
-    std::string digest = page.getStreamDigest(object);
-    if (!digest.empty()) digests.emplace(std::move(digest), object);
-  }
 }
 
 }  // namespace TesselHost

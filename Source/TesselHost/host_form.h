@@ -25,36 +25,33 @@ struct PageForm {
 /// it what it makes of the page.
 enum class FormUse { placed, wholeSheet };
 
-/// Writes pages as forms, with all the objects that they need. Objects that pages share, and equal streams of
-/// whatever source, are written once.
+/// Writes pages as forms. Equal forms, of whatever source, are written once.
 class FormMaker {
  public:
   /// Writer and observer must outlive the maker.
   FormMaker(ObjectWriter& aWriter, Observer& anObserver, FormUse aUse)
       : writer(aWriter), observer(anObserver), use(aUse) {}
 
-  /// Writes a page, counted from 1. A page that can't be read, or has no size, becomes an empty place and a
-  /// warning. The source's pages must all be made by one maker.
-  PageForm make(Source& source, int page);
+  /// Writes the form of the page that the source has selected and harvested, counted from 1.
+  /// @param number  for the form's object; given back when the output has an equal one
+  PageForm make(Source& source, int page, const PageGeometry& geometry, int number);
 
  private:
-  bool select(Source& source, int page);
-  void harvest(TESSEL::CTesselPage& page, int formNumber);
-  void writeObjects(const TESSEL::CTesselPage& page);
   int writeForm(Source& source, int page, const PageGeometry& geometry, const PageForm& form,
                 std::string_view dictionary);
   std::string resourcesOf(Source& source, int page, int formNumber, std::string_view dictionary);
   std::string askForResources(Source& source, int page, int pageNumber);
   std::string_view contentsOf(Source& source, int page);
-  void warn(const Source& source, int page, const std::string& what);
 
   ObjectWriter& writer;
   Observer& observer;
   FormUse use;
-  TESSEL::CTesselPage::StreamObjMap digests;  ///< streams that the output has
   EqualStreams forms;
   std::string storedContents;
   std::string storedFilters;
 };
+
+/// Tells of trouble with a page.
+void warnOfPage(Observer& observer, const Source& source, int page, const std::string& what);
 
 }  // namespace TesselHost

@@ -1,6 +1,7 @@
 #include "TesselHost/host_layout.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "TesselHost/host_number.h"
 
@@ -27,6 +28,26 @@ std::optional<int> parseCells(std::string_view text) {
 }
 
 }  // namespace
+
+Point moved(const Point& point, const Affine& m) {
+  return {m.a * point.x + m.c * point.y + m.e, m.b * point.x + m.d * point.y + m.f};
+}
+
+Rect moved(const Rect& rect, const Affine& matrix) {
+  const Point p = moved(Point{rect.x, rect.y}, matrix);
+  const Point q = moved(Point{rect.x + rect.width, rect.y + rect.height}, matrix);
+  return {std::min(p.x, q.x), std::min(p.y, q.y), std::abs(q.x - p.x), std::abs(q.y - p.y)};
+}
+
+Affine combined(const Affine& first, const Affine& second) {
+  const Point origin = moved(Point{first.e, first.f}, second);
+  return {second.a * first.a + second.c * first.b,
+          second.b * first.a + second.d * first.b,
+          second.a * first.c + second.c * first.d,
+          second.b * first.c + second.d * first.d,
+          origin.x,
+          origin.y};
+}
 
 std::optional<Grid> Grid::parse(std::string_view text) {
   const auto times = text.find('x');

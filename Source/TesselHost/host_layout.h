@@ -36,6 +36,20 @@ struct Affine {
   friend bool operator==(const Affine&, const Affine&) = default;
 };
 
+/// A place in points.
+struct Point {
+  double x = 0;
+  double y = 0;
+};
+
+Point moved(const Point& point, const Affine& matrix);
+
+/// The upright rectangle around a moved one.
+Rect moved(const Rect& rect, const Affine& matrix);
+
+/// What `first` and then `second` do.
+Affine combined(const Affine& first, const Affine& second);
+
 /// Cells of a sheet: columns from left to right, rows from top to bottom.
 struct Grid {
   int columns = 1;

@@ -5,23 +5,22 @@
 #include <algorithm>
 #include <fstream>
 #include <memory>
-#include <unordered_map>
 
 #include "TesselHost/host_document.h"
 #include "TesselHost/host_error.h"
 #include "TesselHost/host_number.h"
 #include "TesselHost/host_output.h"
+#include "TesselHost/host_placer.h"
 #include "TesselHost/host_source.h"
 
 namespace TesselHost {
 
 namespace {
 
-/// One input and what is wanted of it. A page that is wanted twice is one form.
+/// One input and what is wanted of it.
 struct Input {
   std::unique_ptr<Source> source;
   std::vector<int> pages;
-  std::unordered_map<int, PageForm> forms;
 };
 
 void refuseForbidden(const Source& source) {
@@ -34,7 +33,7 @@ void refuseForbidden(const Source& source) {
 std::vector<Input> openInputs(const NupOptions& options) {
   std::vector<Input> inputs;
   for (const std::string& path : options.inputs) {
-    Input input{std::make_unique<Source>(path, options.password), {}, {}};
+    Input input{std::make_unique<Source>(path, options.password), {}};
     if (!options.ignorePermissions) refuseForbidden(*input.source);
     input.pages = options.pages.pagesOf(input.source->pageCount());
     inputs.push_back(std::move(input));
@@ -110,8 +109,8 @@ class SheetPlan {
     return ownSizes() && options.spacing.margin == 0 && !options.frame ? FormUse::wholeSheet
                                                                        : FormUse::placed;
   }
-  Size sheetFor(const PageForm& first) const {
-    return ownSizes() ? sheetAround(first.size, options.grid, options.spacing) : common;
+  Size sheetFor(const Size& first) const {
+    return ownSizes() ? sheetAround(first, options.grid, options.spacing) : common;
   }
 
  private:
@@ -125,27 +124,35 @@ class SheetFiller {
   SheetFiller(const NupOptions& someOptions, const SheetPlan& aPlan, OutputDocument& aDocument)
       : options(someOptions), plan(aPlan), document(aDocument) {}
 
-  void add(const PageForm& form) {
-    if (sheet.placements.empty()) begin(form);
+  /// Where the next page, of this size, will lie.
+  SheetPlace placeFor(const Size& page) {
+    if (sheet.placements.empty()) begin(page);
     const auto cell = static_cast<int>(sheet.placements.size());
-    const Affine matrix = fitInto(form.size, cellOf(sheet.size, options.grid, options.spacing, cell));
-    sheet.placements.push_back({form, matrix, options.frame});
-    if (cell + 1 == options.grid.cells()) flush();
+    const Affine matrix = fitInto(page, cellOf(sheet.size, options.grid, options.spacing, cell));
+    return {sheet.number, matrix, plan.formUse() == FormUse::wholeSheet};
+  }
+
+  /// Puts the page there.
+  void add(const PlacedPage& page, const SheetPlace& place) {
+    if (sheet.placements.empty() && plan.ownSizes()) sheet.userUnit = page.form.userUnit;
+    sheet.placements.push_back({page.form, place.matrix, options.frame});
+    sheet.annotations.insert(sheet.annotations.end(), page.annotations.begin(), page.annotations.end());
+    if (static_cast<int>(sheet.placements.size()) == options.grid.cells()) flush();
   }
 
   void flush() {
     if (sheet.placements.empty()) return;
     document.add(sheet);
-    sheet.placements.clear();
+    sheet = {};
     ++count;
   }
 
   int sheets() const { return count; }
 
  private:
-  void begin(const PageForm& form) {
-    sheet.size = plan.sheetFor(form);
-    sheet.userUnit = plan.ownSizes() ? form.userUnit : 1;
+  void begin(const Size& first) {
+    sheet.number = document.reserveSheet();
+    sheet.size = plan.sheetFor(first);
   }
 
   const NupOptions& options;
@@ -181,22 +188,16 @@ void addFile(Fingerprint& fingerprint, const std::string& path) {
 /// Equal inputs and options give equal identifiers, and so equal outputs; the files' names don't count.
 std::string identifierFor(const NupOptions& options, const std::vector<Input>& inputs) {
   Fingerprint fingerprint;
-  fingerprint.add(fmt::format("{}x{} {} {} {} {} {} {} {}", options.grid.columns, options.grid.rows,
+  fingerprint.add(fmt::format("{}x{} {} {} {} {} {} {} {} {}", options.grid.columns, options.grid.rows,
                               static_cast<int>(options.paper.kind), decimal(options.paper.size.width),
                               decimal(options.paper.size.height), decimal(options.spacing.margin),
-                              decimal(options.spacing.gutter), options.frame, options.objectStreams));
+                              decimal(options.spacing.gutter), options.frame, options.objectStreams,
+                              options.extras.text()));
   for (const Input& input : inputs) {
     for (const int page : input.pages) fingerprint.add(fmt::format(" {}", page));
     addFile(fingerprint, input.source->path());
   }
   return fingerprint.bytes();
-}
-
-const PageForm& formOf(Input& input, int page, FormMaker& maker) {
-  const auto known = input.forms.find(page);
-  return known != input.forms.end()
-             ? known->second
-             : input.forms.emplace(page, maker.make(*input.source, page)).first->second;
 }
 
 void refuseOverwriting(const NupOptions& options) {
@@ -205,14 +206,16 @@ void refuseOverwriting(const NupOptions& options) {
       throw UsageError(fmt::format("{}: the output would overwrite this input", input));
 }
 
-void fillSheets(std::vector<Input>& inputs, FormMaker& maker, SheetFiller& filler, Observer& observer) {
+void fillSheets(std::vector<Input>& inputs, PagePlacer& placer, SheetFiller& filler, Observer& observer) {
   const int total = countPages(inputs);
   int done = 0;
   for (Input& input : inputs) {
     for (const int page : input.pages) {
-      filler.add(formOf(input, page, maker));
+      const SheetPlace place = filler.placeFor(sizeOf(*input.source, page));
+      filler.add(placer.place(*input.source, page, place), place);
       if (!observer.progress(++done, total)) throw Interrupted();
     }
+    placer.finishSource(*input.source);
     // What this source holds in memory isn't needed any more.
     input.source.reset();
   }
@@ -232,12 +235,12 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   if (options.protection) protection.emplace(*options.protection, id);
   OutputFile file(options.output);
   OutputDocument document(file, writerOptions(options, inputs, protection), id);
-  FormMaker maker(document.objects(), observer, plan.formUse());
+  PagePlacer placer(document.objects(), observer, plan.formUse(), options.extras);
   SheetFiller filler(options, plan, document);
-  fillSheets(inputs, maker, filler, observer);
-  document.finish();
+  fillSheets(inputs, placer, filler, observer);
+  document.finish(placer.catalogEntries());
   file.commit();
-  return {pages, filler.sheets()};
+  return {pages, filler.sheets(), placer.lostLinks()};
 }
 
 }  // namespace TesselHost

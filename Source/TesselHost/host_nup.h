@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "TesselHost/host_extras.h"
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_observer.h"
 #include "TesselHost/host_paper.h"
@@ -21,6 +22,7 @@ struct NupOptions {
   PageRange pages;     ///< applies to each input
   Spacing spacing;
   bool frame = false;                           ///< a thin line around each page
+  Extras extras;                                ///< what goes along with the pages
   bool objectStreams = false;                   ///< a smaller file, for readers of PDF 1.5 and later
   std::string password;                         ///< of whichever inputs need one
   bool ignorePermissions = false;               ///< place also what its author didn't want placed
@@ -31,6 +33,7 @@ struct NupOptions {
 struct NupResult {
   int pages = 0;
   int sheets = 0;
+  int lostLinks = 0;  ///< links to pages that aren't in the output
 };
 
 /// Lays the pages of the inputs on sheets, row by row, upright, centred and scaled to fit their cells.

@@ -96,6 +96,10 @@ void ObjectWriter::writeHarvested(const Identity& object, std::string_view body)
   return collectable ? writeBody(object, body) : writePlainBody(object, body);
 }
 
+std::string ObjectWriter::ownText(int number, std::string_view text) const {
+  return options.protection ? options.protection->withStringsEncrypted(number, text) : std::string(text);
+}
+
 void ObjectWriter::writePlainBody(const Identity& object, std::string_view body) {
   beginObject(object);
   put(scratch);

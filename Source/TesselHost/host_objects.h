@@ -64,6 +64,8 @@ class ObjectWriter {
   void writeBody(const Identity& object, std::string_view body);
   /// An object that the library handed over, stream or not. In an encrypted output it comes encrypted.
   void writeHarvested(const Identity& object, std::string_view body);
+  /// A part of an object that the library handed over, made by the host, as writeHarvested wants it.
+  std::string ownText(int number, std::string_view text) const;
   /// A stream object that the host made.
   /// @param entries  entries of its dictionary, without /Length
   void writeStream(int number, std::string_view entries, std::string_view data);

@@ -175,6 +175,19 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// each is on, as far as the source's default configuration tells, and its order, made flat. Adds to both;
   /// what `shown` has already stays.
   void getCatalogOCProperties(std::map<Identity, bool>& shown, std::vector<Identity>& order);
+  /// Beyond the interface as it stands, read only: the text of an object of the source, between "obj" and
+  /// "endobj", in the clear, with the source's own references; empty when there is no such object. For what a
+  /// host keeps together over all pages: forms, layers, names.
+  std::string getSourceObject(const Identity& object) const;
+  /// Beyond the interface as it stands, read only: the source's own identity of its catalog.
+  Identity getRootObject() const;
+  /// Beyond the interface as it stands, read only: the source's own identity of a page, counted from 1;
+  /// numbers 0 when there is no such page.
+  Identity getPageObject(int page) const;
+  /// Beyond the interface as it stands: has the next setStartObjNo number and write these objects of the
+  /// source once more, though the output has them; references in later texts go to the new ones. For
+  /// annotations that go to another place than the one they were written for.
+  void harvestAgain(const std::vector<Identity>& objects);
   /// The file key of the host's output, finished (ISO 32000-2, 7.6.4): strings and streams of the texts that
   /// leave from here on are encrypted under it and the number of the object that they go to. 16 bytes with
   /// revision 4 stand for AES-128, 32 bytes with revision 5 (also for a dictionary of revision 6) for

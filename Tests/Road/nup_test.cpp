@@ -195,7 +195,7 @@ TEST_F(Nup, TakesThePagesAskedForOfEachInput) {
 TEST_F(Nup, WritesAPageThatIsWantedTwiceOnce) {
   file("in.pdf", greys(1));
   tessel({"nup", "in.pdf", "-o", "out.pdf", "--grid", "2x1", "--pages", "1,1"});
-  EXPECT_THAT(contentOf("out.pdf"), HasSubstr("/XObject<</P1 1 0 R/P2 1 0 R>>"));
+  EXPECT_THAT(contentOf("out.pdf"), HasSubstr("/XObject<</P1 2 0 R/P2 2 0 R>>"));
   EXPECT_EQ(complaintsAbout("out.pdf"), "");
 }
 

@@ -26,6 +26,9 @@ struct NupCommand {
     options.protection = encryption.value();
     Terminal terminal(quiet, "placing");
     const NupResult result = nup(options, terminal);
+    if (result.lostLinks > 0)
+      terminal.warn(fmt::format("{} {} to pages that aren't in the output", result.lostLinks,
+                                result.lostLinks == 1 ? "link leads" : "links lead"));
     terminal.note(fmt::format("{}: {} pages on {} sheets", options.output, result.pages, result.sheets));
     return exitDone;
   }
@@ -73,6 +76,7 @@ void addNup(CLI::App& program, Job& job) {
       ->required();
   addSheetOptions(*command, options);
   addPages(*command, options.pages);
+  addExtras(*command, options.extras);
   command->add_flag("--object-streams", options.objectStreams,
                     "A smaller file, for readers of PDF 1.5 and later");
   addPassword(*command, nupCommand->password);

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <string>
 
+#include "TesselHost/host_extras.h"
 #include "TesselHost/host_range.h"
 
 namespace tessel_tool {
@@ -27,6 +28,22 @@ inline void addPages(CLI::App& command, TesselHost::PageRange& pages) {
   addParsed(command, "--pages", pages, TesselHost::PageRange::parse,
             "Pages to take, such as 1-4,7,12- (default: all)", "a selection of pages such as 1-4,7,12-")
       ->type_name("RANGE");
+}
+
+/// What goes along with pages, alike for every command that writes.
+inline void addExtras(CLI::App& command, TesselHost::Extras& extras) {
+  addParsed(command, "--annotations", extras.annotations, TesselHost::AnnotationChoice::parse,
+            "Annotations to keep: all (default), none, or subtypes such as link,text,widget",
+            "all, none or subtypes such as link,text,widget")
+      ->type_name("LIST");
+  addParsed(
+      command, "--forms", extras.forms, TesselHost::FormChoice::parse,
+      "Form fields to keep: all (default), none, or some of radio, button, checkbox, list, combo, text, "
+      "signature",
+      "all, none or types such as text,checkbox")
+      ->type_name("LIST");
+  command.add_flag_callback(
+      "--no-layers", [&extras] { extras.layers = false; }, "Show all layers, also those that are off");
 }
 
 /// --quiet, alike for every command that works for long.

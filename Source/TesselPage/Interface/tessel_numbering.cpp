@@ -47,6 +47,13 @@ void Numbering::share(const Identity& old, const Identity& newId) {
   foreign.erase(old);
 }
 
+void Numbering::forget(const Identity& old) {
+  old2NewObjects.erase(old);
+  harvestedObjects.erase(old);
+  foreign.erase(old);
+  reconsider(old);
+}
+
 int Numbering::number(int start) {
   if (!numbered || numberedFrom != start) {
     numbers.clear();

@@ -37,6 +37,9 @@ class Numbering : public NumberSource {
     return harvestedObjects.emplace(old, newId).second;
   }
 
+  /// The object is to be numbered and written as one that nobody has met. Requires: follow.
+  void forget(const Identity& old);
+
   bool isOld(const Identity& old) const { return old2NewObjects.count(old) != 0; }
   bool isHarvested(const Identity& old) const { return harvestedObjects.count(old) != 0; }
 

@@ -4,6 +4,7 @@
 #include "TesselPage/Interface/tessel_page_writer.h"
 #include "TesselPage/Interface/tessel_pageinfo.h"
 #include "TesselPage/Model/tessel_catalog.h"
+#include "TesselPage/Syntax/tessel_keywords.h"
 #include "TesselPage/tessel_page.h"
 
 namespace TESSEL {
@@ -58,6 +59,21 @@ void CTesselPage::getCatalogOCProperties(std::map<Identity, bool>& shown, std::v
   show(layers.off, false);
   for (const SObj& group : layers.order)
     if (const Identity* newId = state->numbering.inOutput(group.identity())) order.push_back(*newId);
+}
+
+std::string CTesselPage::getSourceObject(const Identity& object) const {
+  CDestFile text;
+  text.rawFlag = true;
+  if (!CObj(SObj(object.first, object.second)).LocalObj(text, *state->sourFile, nullptr)) return {};
+  return text.substr(0, text.rfind(kwendobj));
+}
+
+CTesselPage::Identity CTesselPage::getRootObject() const { return state->sourFile->fileInfo.root.identity(); }
+
+CTesselPage::Identity CTesselPage::getPageObject(int page) const {
+  const auto& pages = state->sourFile->pageList;
+  const auto index = static_cast<unsigned>(page) - 1;
+  return index < pages.size() ? pages[index].identity() : Identity{0, 0};
 }
 
 const std::string& CTesselPage::getHeaderVersion() const { return state->versionString; }

@@ -175,6 +175,8 @@ int CTesselPage::setStartObjNo(int startNo) {
   state->harvestedAs.clear();
   state->numbering.follow(source);
   state->numbering.merge(state->old2NewVector);
+  for (const Identity& object : state->harvestedAnew) state->numbering.forget(object);
+  state->harvestedAnew.clear();
   state->startObjNo = startNo;
   Harvest(*state, *this).run();
   for (iterator it = begin(); it != end(); ++it) {
@@ -192,6 +194,8 @@ std::vector<CTesselPage::IdentityPair> CTesselPage::getOld2NewObjectVector() con
 void CTesselPage::setOld2NewObjectVector(const std::vector<IdentityPair>& pairs) {
   if (&pairs != &state->old2NewVector) state->old2NewVector = pairs;
 }
+
+void CTesselPage::harvestAgain(const std::vector<Identity>& objects) { state->harvestedAnew = objects; }
 
 void CTesselPage::setStreamObjMap(StreamObjMap* digests) { state->streamObjMap = digests; }
 

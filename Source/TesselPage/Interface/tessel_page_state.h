@@ -52,6 +52,7 @@ struct PageState {
 
   std::vector<CTesselPage::IdentityPair> old2NewVector;
   Numbering numbering;
+  std::vector<Identity> harvestedAnew;  ///< known objects that the next harvest writes once more
   CTesselPage::StreamObjMap* streamObjMap = nullptr;
   std::vector<CTesselPage::IdentityPair> newPairs;  ///< of the last harvest
   std::map<Identity, Identity> harvestedAs;         ///< new identity to old one, of the last harvest

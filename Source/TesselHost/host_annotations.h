@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "TesselHost/host_extras.h"
+#include "TesselHost/host_sourceobjects.h"
+
+namespace TesselHost {
+
+/// What stands in the /Annots array of a page (ISO 32000-2, 12.5.2).
+struct ListedAnnotations {
+  bool any = false;
+  std::vector<Identity> objects;  ///< those that are objects of their own, in the source's numbering
+};
+
+/// The annotations of a page, counted from 1, wanted or not.
+ListedAnnotations listedAnnotations(const SourceObjects& objects, int page);
+
+/// Whether an annotation that is written directly in the array is wanted.
+bool isWanted(const Extras& extras, std::string_view annotation);
+
+/// Mask of a form field's type (TESSEL_AcroFormsEnableE), by its values of /FT and /Ff; 0 when it has none.
+unsigned fieldTypeOf(std::string_view type, std::string_view flags);
+
+}  // namespace TesselHost

@@ -1,0 +1,115 @@
+#include "TesselHost/host_layers.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <map>
+#include <string_view>
+
+#include "TesselHost/host_dictionary.h"
+
+namespace TesselHost {
+
+namespace {
+
+using NewIds = std::map<Identity, Identity>;
+
+std::string inBrackets(std::string_view key, const std::string& elements) {
+  return elements.empty() ? std::string() : fmt::format("{}[{}]", key, elements);
+}
+
+std::string spacedReference(const Identity& object) {
+  return fmt::format(" {} {} R", object.first, object.second);
+}
+
+/// One source's properties, with references to what has reached the output.
+class SourceLayers {
+ public:
+  SourceLayers(const SourceObjects& someObjects, const NewIds& someIds) : objects(someObjects), ids(someIds) {
+    properties = objects.entry(objects.catalog(), "/OCProperties");
+    defaults = objects.entry(properties, "/D");
+  }
+
+  std::vector<Identity> groups() const {
+    std::vector<Identity> found;
+    for (const std::string& group : elements(properties, "/OCGs"))
+      if (const Identity* id = newId(group)) found.push_back(*id);
+    return found;
+  }
+  bool startsOff() const { return valueOfKey(defaults, "/BaseState") == "/OFF"; }
+  /// The elements of an array of the default configuration; those of the references that stayed behind are
+  /// left out.
+  std::string translated(std::string_view key) const {
+    const std::string array = objects.entry(defaults, key);
+    if (array.size() < 2 || array.front() != '[' || array.back() != ']') return {};
+    return withReferences(std::string_view(array).substr(1, array.size() - 2), [this](const Identity& old) {
+      const auto found = ids.find(old);
+      return found == ids.end() ? std::string() : spacedReference(found->second);
+    });
+  }
+  std::string naming() const {
+    constexpr std::array<std::string_view, 3> keys = {"/Name", "/Creator", "/Intent"};
+    std::string entries;
+    for (const auto key : keys)
+      if (const std::string value = objects.entry(defaults, key); !value.empty())
+        entries += std::string(key) + " " + value;
+    return entries;
+  }
+
+ private:
+  std::vector<std::string> elements(std::string_view dictionary, std::string_view key) const {
+    const std::string array = objects.entry(dictionary, key);
+    std::vector<std::string> values;
+    for (const auto element : elementsOf(array)) values.emplace_back(element);
+    return values;
+  }
+  const Identity* newId(std::string_view value) const {
+    const auto old = referenceIn(value);
+    const auto found = old ? ids.find(*old) : ids.end();
+    return found == ids.end() ? nullptr : &found->second;
+  }
+
+  const SourceObjects& objects;
+  const NewIds& ids;
+  std::string properties;
+  std::string defaults;
+};
+
+}  // namespace
+
+void Layers::add(TESSEL::CTesselPage& reader) {
+  const SourceObjects objects(reader);
+  if (valueOfKey(objects.catalog(), "/OCProperties").empty()) return;
+  const auto pairs = reader.getOld2NewObjectVector();
+  const SourceLayers source(objects, NewIds(pairs.begin(), pairs.end()));
+  std::map<Identity, bool> shown;
+  std::vector<Identity> flatOrder;
+  reader.getCatalogOCProperties(shown, flatOrder);
+  const std::vector<Identity> found = source.groups();
+  if (found.empty()) return;
+  if (groups.empty()) naming = source.naming();
+  for (const Identity& group : found) {
+    groups += spacedReference(group);
+    const auto state = shown.find(group);
+    if (state == shown.end() ? source.startsOff() : !state->second) off += spacedReference(group);
+  }
+  const std::string ownOrder = source.translated("/Order");
+  order += ownOrder;
+  if (ownOrder.empty())
+    for (const Identity& group : flatOrder) order += spacedReference(group);
+  radioButtons += source.translated("/RBGroups");
+  usage += source.translated("/AS");
+  locked += source.translated("/Locked");
+}
+
+std::string Layers::write(ObjectWriter& writer) const {
+  if (groups.empty()) return {};
+  const int number = writer.reserve();
+  writer.writeBody({number, 0}, fmt::format("<<{}/D<<{}{}{}{}{}{}>>>>", inBrackets("/OCGs", groups), naming,
+                                            inBrackets("/OFF", off), inBrackets("/Order", order),
+                                            inBrackets("/RBGroups", radioButtons), inBrackets("/AS", usage),
+                                            inBrackets("/Locked", locked)));
+  return "/OCProperties " + referenceTo(number);
+}
+
+}  // namespace TesselHost

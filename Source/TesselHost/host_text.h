@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace TesselHost {
+
+/// The characters, in UTF-8, of a text string (ISO 32000-2, 7.9.2.2), given as it stands in a file, with its
+/// brackets: UTF-16, UTF-8 or PDFDocEncoding. Empty for what is no string.
+std::string utf8OfString(std::string_view token);
+
+/// Characters in UTF-8 as a text string: a literal one where they are ASCII, else UTF-16 in hexadecimal.
+std::string textString(std::string_view utf8);
+
+}  // namespace TesselHost
