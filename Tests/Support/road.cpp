@@ -122,20 +122,24 @@ Outcome RoadTest::tessel(const std::vector<std::string>& arguments) const {
   return shell(line);
 }
 
-Picture RoadTest::picture(const std::string& name, int page, Renderer renderer) const {
+Picture RoadTest::picture(const std::string& name, int page, Renderer renderer,
+                          const std::string& password) const {
   const std::string number = std::to_string(page);
+  const std::string key =
+      password.empty() ? "" : (renderer == Renderer::poppler ? " -upw " : " -p ") + quoted(password);
   const Outcome outcome =
       renderer == Renderer::poppler
-          ? shell("pdftoppm -cropbox -r 50 -f " + number + " -singlefile " + quoted(name) + " .picture")
-          : shell("mutool draw -q -r 50 -F ppm -o .picture.ppm " + quoted(name) + " " + number);
+          ? shell("pdftoppm" + key + " -cropbox -r 50 -f " + number + " -singlefile " + quoted(name) +
+                  " .picture")
+          : shell("mutool draw -q" + key + " -r 50 -F ppm -o .picture.ppm " + quoted(name) + " " + number);
   EXPECT_EQ(outcome.status, 0) << outcome.err;
   Picture rendered = readPpm(directory / ".picture.ppm");
   fs::remove(directory / ".picture.ppm");
   return rendered;
 }
 
-std::string RoadTest::complaintsAbout(const std::string& name) const {
-  const Outcome outcome = shell("qpdf --check " + quoted(name));
+std::string RoadTest::complaintsAbout(const std::string& name, const std::string& password) const {
+  const Outcome outcome = shell("qpdf --check --password=" + quoted(password) + " " + quoted(name));
   const bool warned =
       outcome.status != 0 || outcome.out.find("WARNING") != std::string::npos || !outcome.err.empty();
   return warned ? outcome.out + outcome.err : "";

@@ -61,9 +61,10 @@ class RoadTest : public testing::Test {
   Outcome shell(const std::string& line) const;
 
   /// Renders a page, counted from 1, at 50 dots per inch.
-  Picture picture(const std::string& name, int page, Renderer renderer) const;
+  Picture picture(const std::string& name, int page, Renderer renderer,
+                  const std::string& password = {}) const;
   /// What qpdf says to a file; "" when it finds nothing at all.
-  std::string complaintsAbout(const std::string& name) const;
+  std::string complaintsAbout(const std::string& name, const std::string& password = {}) const;
 
   std::filesystem::path directory;
 };
