@@ -3,6 +3,7 @@
 #include <string>
 
 #include "TesselPage/tessel_page.h"
+#include "Tests/Support/hex.h"
 #include "Tests/Support/pdf_builder.h"
 
 /// A file whose strings and streams a wrong key would spoil, and whether it reads as it should.
@@ -27,19 +28,9 @@ inline std::string plainFile() {
       .build();
 }
 
-inline std::string hexOf(const std::string& bytes) {
-  static constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (const char c : bytes) {
-    text += digits[static_cast<unsigned char>(c) >> 4];
-    text += digits[static_cast<unsigned char>(c) & 15];
-  }
-  return text;
-}
-
 /// Whether a string of that value stands in the text, literal or hexadecimal.
 inline bool holdsString(const std::string& text, const std::string& value) {
-  return text.find('(' + value + ')') != text.npos || text.find('<' + hexOf(value) + '>') != text.npos;
+  return text.find('(' + value + ')') != text.npos || text.find('<' + toHex(value) + '>') != text.npos;
 }
 
 inline std::string allTexts(const TESSEL::CTesselPage& page) {

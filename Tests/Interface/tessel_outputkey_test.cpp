@@ -102,10 +102,10 @@ pcrypt::EncryptInfo makeSecurity(const OutputKind& kind) {
 
 std::string dictionaryOf(const pcrypt::EncryptInfo& info) {
   std::string text = "<</Filter/Standard/P -4/R " + std::to_string(info.R) + "/V " + std::to_string(info.V) +
-                     "/Length " + std::to_string(info.keyLength) + "/O<" + hexOf(info.O) + ">/U<" +
-                     hexOf(info.U) + ">";
+                     "/Length " + std::to_string(info.keyLength) + "/O<" + toHex(info.O) + ">/U<" +
+                     toHex(info.U) + ">";
   if (info.V >= 5)
-    text += "/OE<" + hexOf(info.OE) + ">/UE<" + hexOf(info.UE) + ">/Perms<" + hexOf(info.Perms) + ">";
+    text += "/OE<" + toHex(info.OE) + ">/UE<" + toHex(info.UE) + ">/Perms<" + toHex(info.Perms) + ">";
   if (info.V >= 4)
     text += std::string("/CF<</StdCF<</AuthEvent/DocOpen/CFM/AESV") + (info.V == 4 ? "2" : "3") + "/Length " +
             std::to_string(info.keyLength / 8) + ">>>>/StmF/StdCF/StrF/StdCF";
@@ -137,7 +137,7 @@ class OutputOfKind : public testing::TestWithParam<OutputKind> {
     for (const auto& [object, text] : *open)
       if (!text.empty()) builder.object(object, text);
     builder.object(5, dictionaryOf(info));
-    builder.trailer("/Encrypt 5 0 R/ID[<" + hexOf(info.fileIdentifier) + "><" + hexOf(info.fileIdentifier) +
+    builder.trailer("/Encrypt 5 0 R/ID[<" + toHex(info.fileIdentifier) + "><" + toHex(info.fileIdentifier) +
                     ">]");
     return builder.build();
   }

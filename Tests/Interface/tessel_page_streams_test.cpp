@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Tests/Interface/probed_page.h"
+#include "Tests/Support/hex.h"
 
 using namespace TESSEL;
 using namespace tessel_test;
@@ -10,20 +11,10 @@ using namespace std::string_literals;
 
 namespace {
 
-std::string hexOf(const std::string& bytes) {
-  static constexpr char digits[] = "0123456789abcdef";
-  std::string text;
-  for (const char c : bytes) {
-    text += digits[static_cast<unsigned char>(c) >> 4];
-    text += digits[static_cast<unsigned char>(c) & 15];
-  }
-  return text;
-}
-
 /// Digest in hexadecimal; "-" when the text is no shareable stream.
 std::string digestOf(const std::string& text) {
   std::string digest;
-  return CTesselPage::isStreamObj(text, digest) ? hexOf(digest) : "-";
+  return CTesselPage::isStreamObj(text, digest) ? toHex(digest) : "-";
 }
 
 // Which streams may be shared.

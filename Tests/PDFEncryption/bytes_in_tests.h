@@ -12,6 +12,8 @@
 #include <string>
 #include <string_view>
 
+#include "Tests/Support/hex.h"
+
 /// Raw bytes as the tests of the ciphers write and compare them.
 namespace raw {
 
@@ -28,16 +30,7 @@ inline std::string hex(std::string_view digits) {
   return result;
 }
 
-/// Lower-case hexadecimal digits of bytes.
-inline std::string toHex(std::string_view bytes) {
-  constexpr char digits[] = "0123456789abcdef";
-  std::string result;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    result += {digits[byte >> 4], digits[byte & 15]};
-  }
-  return result;
-}
+using tessel_test::toHex;
 
 inline unsigned char* at(std::string& s) { return reinterpret_cast<unsigned char*>(s.data()); }
 inline const unsigned char* at(const std::string& s) {
