@@ -1,5 +1,7 @@
 #include "TesselHost/host_annotations.h"
 
+#include <fmt/format.h>
+
 #include "TesselHost/host_dictionary.h"
 #include "TesselHost/host_number.h"
 
@@ -34,6 +36,40 @@ bool isWanted(const Extras& extras, std::string_view annotation) {
   if (subtype != "/Widget") return extras.annotations.wants(subtype);
   const unsigned type = fieldTypeOf(valueOfKey(annotation, "/FT"), valueOfKey(annotation, "/Ff"));
   return (extras.fields() & type) != 0 || extras.fields() == TESSEL::AcroFormsEnableAll;
+}
+
+std::vector<Identity> appearancesOf(std::string_view annotation,
+                                    const std::function<std::string(std::string_view)>& resolved) {
+  std::vector<Identity> streams;
+  const auto add = [&streams](std::string_view value) {
+    if (const auto stream = referenceIn(value)) streams.push_back(*stream);
+  };
+  const std::string appearances = resolved(valueOfKey(annotation, "/AP"));
+  for (const auto& [use, value] : entriesOf(appearances)) {
+    // Each use has a stream, or a dictionary with one for each state.
+    const std::string states = resolved(value);
+    if (!valueOfKey(states, "/BBox").empty())
+      add(value);
+    else
+      for (const auto& [state, stream] : entriesOf(states)) add(stream);
+  }
+  return streams;
+}
+
+bool staysUpright(std::string_view annotation) {
+  constexpr int noRotate = 16;  // ISO 32000-2, table 167
+  return (parseCount(valueOfKey(annotation, "/F")).value_or(0) & noRotate) != 0;
+}
+
+bool turns(const Affine& matrix) { return matrix.a <= 0 || matrix.d <= 0 || matrix.b != 0 || matrix.c != 0; }
+
+std::string turnedAppearance(const std::string& body, const Affine& matrix) {
+  const auto start = body.find("<<");
+  if (start == std::string::npos || !valueOfKey(body, "/Matrix").empty()) return body;
+  return body.substr(0, start + 2) +
+         fmt::format("/Matrix[{} {} {} {} 0 0]", decimal(matrix.a), decimal(matrix.b), decimal(matrix.c),
+                     decimal(matrix.d)) +
+         body.substr(start + 2);
 }
 
 unsigned fieldTypeOf(std::string_view type, std::string_view flags) {

@@ -37,14 +37,21 @@ class SourceLayers {
     return found;
   }
   bool startsOff() const { return valueOfKey(defaults, "/BaseState") == "/OFF"; }
-  /// The elements of an array of the default configuration; those of the references that stayed behind are
-  /// left out.
-  std::string translated(std::string_view key) const {
+  /// Adds what the lists of the default configuration say, wherever they stand.
+  void addStates(std::map<Identity, bool>& shown) const {
+    for (const std::string& group : elements(defaults, "/ON"))
+      if (const Identity* id = newId(group)) shown.emplace(*id, true);
+    for (const std::string& group : elements(defaults, "/OFF"))
+      if (const Identity* id = newId(group)) shown.emplace(*id, false);
+  }
+  /// The elements of an array of the default configuration.
+  /// @param missing  what stands for a reference that stayed behind
+  std::string translated(std::string_view key, const std::string& missing = {}) const {
     const std::string array = objects.entry(defaults, key);
     if (array.size() < 2 || array.front() != '[' || array.back() != ']') return {};
-    return withReferences(std::string_view(array).substr(1, array.size() - 2), [this](const Identity& old) {
+    return withReferences(std::string_view(array).substr(1, array.size() - 2), [&](const Identity& old) {
       const auto found = ids.find(old);
-      return found == ids.end() ? std::string() : spacedReference(found->second);
+      return found == ids.end() ? missing : spacedReference(found->second);
     });
   }
   std::string naming() const {
@@ -70,7 +77,7 @@ class SourceLayers {
   }
 
   const SourceObjects& objects;
-  const NewIds& ids;
+  const NewIds& ids;  ///< the caller's
   std::string properties;
   std::string defaults;
 };
@@ -81,10 +88,13 @@ void Layers::add(TESSEL::CTesselPage& reader) {
   const SourceObjects objects(reader);
   if (valueOfKey(objects.catalog(), "/OCProperties").empty()) return;
   const auto pairs = reader.getOld2NewObjectVector();
-  const SourceLayers source(objects, NewIds(pairs.begin(), pairs.end()));
+  const NewIds ids(pairs.begin(), pairs.end());
+  const SourceLayers source(objects, ids);
   std::map<Identity, bool> shown;
   std::vector<Identity> flatOrder;
   reader.getCatalogOCProperties(shown, flatOrder);
+  // The library looks at a direct configuration only.
+  source.addStates(shown);
   const std::vector<Identity> found = source.groups();
   if (found.empty()) return;
   if (groups.empty()) naming = source.naming();
@@ -98,7 +108,7 @@ void Layers::add(TESSEL::CTesselPage& reader) {
   if (ownOrder.empty())
     for (const Identity& group : flatOrder) order += spacedReference(group);
   radioButtons += source.translated("/RBGroups");
-  usage += source.translated("/AS");
+  usage += source.translated("/AS", " null");
   locked += source.translated("/Locked");
 }
 

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <filesystem>
 #include <optional>
+#include <set>
 
 #include "TesselHost/host_annotations.h"
 #include "TesselHost/host_dictionary.h"
@@ -51,6 +52,7 @@ struct PagePlacer::SourceState {
   std::unordered_map<int, PageForm> forms;  ///< by page
   Destinations destinations;
   std::optional<SourceFields> fields;
+  std::set<int> orientations;  ///< of the pages with annotations
 };
 
 PagePlacer::PagePlacer(ObjectWriter& aWriter, Observer& anObserver, FormUse use, const Extras& someExtras)
@@ -90,13 +92,14 @@ PlacedPage PagePlacer::place(Source& source, int page, const SheetPlace& place) 
   const Affine matrix = combined(upright(geometry->visible, geometry->quarterTurns), place.matrix);
   state.destinations.notePlace(page, {place.sheet, matrix, geometry->visible, place.wholeSheet});
   source.pages().setPageCm(asPlacement(matrix));
-  source.pages().harvestAgain(listed.objects);
+  if (listed.any) prepareAnnotations(state, source, listed.objects, orientationOf(matrix));
   present = &digests[listed.any ? orientationOf(matrix) : 0];
   const int start = harvest(state, source, place);
   PlacedPage placed;
-  if (listed.any) placed.annotations = takeAnnotations(state, source, page);
+  turned.clear();
+  if (listed.any) placed.annotations = takeAnnotations(state, source, page, turns(matrix));
   if (isNew) form = forms.make(source, page, *geometry, number);
-  writeObjects(state, source.pages(), start);
+  writeObjects(state, source.pages(), start, matrix);
   placed.form = form;
   return placed;
 }
@@ -117,6 +120,20 @@ bool PagePlacer::select(Source& source, int page) {
   return false;
 }
 
+/// Annotations are written anew for each place, and appearances for each way that pages lie.
+void PagePlacer::prepareAnnotations(SourceState& state, Source& source,
+                                    const std::vector<Identity>& annotations, int orientation) {
+  std::vector<Identity> again = annotations;
+  state.orientations.insert(orientation);
+  if (state.orientations.size() > 1)
+    for (const Identity& annotation : annotations) {
+      const auto resolve = [&state](std::string_view value) { return state.objects.resolved(value); };
+      const auto streams = appearancesOf(state.objects.valueOf(annotation), resolve);
+      again.insert(again.end(), streams.begin(), streams.end());
+    }
+  source.pages().harvestAgain(again);
+}
+
 /// @return the first number that the harvest could give
 int PagePlacer::harvest(SourceState& state, Source& source, const SheetPlace& place) {
   CTesselPage& page = source.pages();
@@ -134,7 +151,8 @@ int PagePlacer::harvest(SourceState& state, Source& source, const SheetPlace& pl
   return start;
 }
 
-std::vector<std::string> PagePlacer::takeAnnotations(SourceState& state, Source& source, int page) {
+std::vector<std::string> PagePlacer::takeAnnotations(SourceState& state, Source& source, int page,
+                                                     bool turnsPage) {
   const std::string* text = nullptr;
   source.pages().getPageAnnots(&text);
   std::vector<std::string> annotations;
@@ -142,31 +160,46 @@ std::vector<std::string> PagePlacer::takeAnnotations(SourceState& state, Source&
     warnOfPage(observer, source, page, "its annotations can't be read, they are left out");
     return annotations;
   }
-  for (const auto value : valuesIn(*text))
-    if (std::string annotation = takeAnnotation(state, source.pages(), value); !annotation.empty())
-      annotations.push_back(std::move(annotation));
+  for (const auto value : valuesIn(*text)) {
+    if (!takeAnnotation(state, source.pages(), value)) continue;
+    annotations.emplace_back(value);
+    if (turnsPage) noteTurned(source.pages(), value);
+  }
   return annotations;
 }
 
-/// The element of /Annots that stands for an annotation; empty when it doesn't go with the page.
-std::string PagePlacer::takeAnnotation(SourceState& state, const CTesselPage& page, std::string_view value) {
-  if (isDictionary(value)) return isWanted(extras, value) ? std::string(value) : std::string();
+/// Whether an element of /Annots stands for an annotation that goes with the page.
+bool PagePlacer::takeAnnotation(SourceState& state, const CTesselPage& page, std::string_view value) {
+  if (isDictionary(value)) return isWanted(extras, value);
   const auto object = referenceIn(value);
   const auto body = object ? page.find(*object) : page.end();
-  if (body == page.end() || body->second.empty()) return {};
+  if (body == page.end() || body->second.empty()) return false;
   const auto old = oldIds.find(object->first);
   if (state.fields && old != oldIds.end()) state.fields->notePlaced(old->second, object->first);
-  return std::string(value);
+  return true;
 }
 
-void PagePlacer::writeObjects(SourceState& state, const CTesselPage& page, int from) {
+/// The library turns an appearance that has a matrix; the others are turned here.
+void PagePlacer::noteTurned(const CTesselPage& page, std::string_view annotation) {
+  const auto resolve = [&page](std::string_view value) {
+    const auto object = referenceIn(value);
+    const auto body = object ? page.find(*object) : page.end();
+    return body == page.end() ? std::string(value) : std::string(valueAt(body->second));
+  };
+  const std::string dictionary = resolve(annotation);
+  if (staysUpright(dictionary)) return;
+  const auto streams = appearancesOf(dictionary, resolve);
+  turned.insert(streams.begin(), streams.end());
+}
+
+void PagePlacer::writeObjects(SourceState& state, const CTesselPage& page, int from, const Affine& matrix) {
   for (auto entry = page.lower_bound({from, 0}); entry != page.end(); ++entry) {
     const auto& [object, body] = *entry;
     // An object that couldn't be read stays a free entry, which is null to a reader.
     if (body.empty()) continue;
     const auto old = oldIds.find(object.first);
     if (state.fields && old != oldIds.end() && state.fields->take(old->second, object, body)) continue;
-    writer.writeHarvested(object, body);
+    writer.writeHarvested(object, turned.count(object) == 0 ? body : turnedAppearance(body, matrix));
     std::string digest = page.getStreamDigest(object);
     if (!digest.empty()) present->emplace(std::move(digest), object);
   }

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -63,9 +64,12 @@ class PagePlacer {
   PageForm blank(Source& source, int page);
   bool select(Source& source, int page);
   int harvest(SourceState& state, Source& source, const SheetPlace& place);
-  std::vector<std::string> takeAnnotations(SourceState& state, Source& source, int page);
-  std::string takeAnnotation(SourceState& state, const TESSEL::CTesselPage& page, std::string_view value);
-  void writeObjects(SourceState& state, const TESSEL::CTesselPage& page, int from);
+  static void prepareAnnotations(SourceState& state, Source& source, const std::vector<Identity>& annotations,
+                                 int orientation);
+  std::vector<std::string> takeAnnotations(SourceState& state, Source& source, int page, bool turnsPage);
+  bool takeAnnotation(SourceState& state, const TESSEL::CTesselPage& page, std::string_view value);
+  void noteTurned(const TESSEL::CTesselPage& page, std::string_view annotation);
+  void writeObjects(SourceState& state, const TESSEL::CTesselPage& page, int from, const Affine& matrix);
 
   ObjectWriter& writer;
   Observer& observer;
@@ -79,6 +83,7 @@ class PagePlacer {
   std::map<int, TESSEL::CTesselPage::StreamObjMap> digests;
   TESSEL::CTesselPage::StreamObjMap* present = nullptr;  ///< of the page at hand
   std::unordered_map<int, Identity> oldIds;              ///< by number in the output, of the page at hand
+  std::set<Identity> turned;  ///< appearances of the page at hand that turn with it
   int lost = 0;
 };
 
