@@ -38,6 +38,12 @@ bool isWanted(const Extras& extras, std::string_view annotation) {
   return (extras.fields() & type) != 0 || extras.fields() == TESSEL::AcroFormsEnableAll;
 }
 
+bool isPageBound(std::string_view body) {
+  if (body.find("/Rect") == std::string_view::npos || valueOfKey(body, "/Rect").empty()) return false;
+  const std::string_view subtype = valueOfKey(body, "/Subtype");
+  return subtype != "/Popup" && AnnotationChoice{}.wants(subtype);
+}
+
 std::vector<Identity> appearancesOf(std::string_view annotation,
                                     const std::function<std::string(std::string_view)>& resolved) {
   std::vector<Identity> streams;

@@ -23,6 +23,9 @@ ListedAnnotations listedAnnotations(const SourceObjects& objects, int page);
 /// Whether an annotation that is written directly in the array is wanted.
 bool isWanted(const Extras& extras, std::string_view annotation);
 
+/// Whether an object's body is an annotation that means nothing off its page; a popup goes with another one.
+bool isPageBound(std::string_view body);
+
 /// The appearance streams (ISO 32000-2, 12.5.5) that an annotation refers to.
 /// @param resolved  gives the value behind a reference
 std::vector<Identity> appearancesOf(std::string_view annotation,

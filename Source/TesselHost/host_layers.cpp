@@ -47,12 +47,8 @@ class SourceLayers {
   /// The elements of an array of the default configuration.
   /// @param missing  what stands for a reference that stayed behind
   std::string translated(std::string_view key, const std::string& missing = {}) const {
-    const std::string array = objects.entry(defaults, key);
-    if (array.size() < 2 || array.front() != '[' || array.back() != ']') return {};
-    return withReferences(std::string_view(array).substr(1, array.size() - 2), [&](const Identity& old) {
-      const auto found = ids.find(old);
-      return found == ids.end() ? missing : spacedReference(found->second);
-    });
+    constexpr int arraysWithin = 2;
+    return translatedElements(objects.entry(defaults, key), missing, arraysWithin);
   }
   std::string naming() const {
     constexpr std::array<std::string_view, 3> keys = {"/Name", "/Creator", "/Intent"};
@@ -69,6 +65,15 @@ class SourceLayers {
     std::vector<std::string> values;
     for (const auto element : elementsOf(array)) values.emplace_back(element);
     return values;
+  }
+  /// Arrays that are objects of their own have stayed behind, and are put where the reference was.
+  std::string translatedElements(std::string_view array, const std::string& missing, int depth) const {
+    if (array.size() < 2 || array.front() != '[' || array.back() != ']') return {};
+    return withReferences(array.substr(1, array.size() - 2), [&](const Identity& old) {
+      if (const auto found = ids.find(old); found != ids.end()) return spacedReference(found->second);
+      const std::string inner = depth > 0 ? translatedElements(objects.valueOf(old), missing, depth - 1) : "";
+      return inner.empty() ? missing : "[" + inner + "]";
+    });
   }
   const Identity* newId(std::string_view value) const {
     const auto old = referenceIn(value);

@@ -97,6 +97,7 @@ PlacedPage PagePlacer::place(Source& source, int page, const SheetPlace& place) 
   const int start = harvest(state, source, place);
   PlacedPage placed;
   turned.clear();
+  onSheet.clear();
   if (listed.any) placed.annotations = takeAnnotations(state, source, page, turns(matrix));
   if (isNew) form = forms.make(source, page, *geometry, number);
   writeObjects(state, source.pages(), start, matrix);
@@ -174,6 +175,7 @@ bool PagePlacer::takeAnnotation(SourceState& state, const CTesselPage& page, std
   const auto object = referenceIn(value);
   const auto body = object ? page.find(*object) : page.end();
   if (body == page.end() || body->second.empty()) return false;
+  onSheet.insert(*object);
   const auto old = oldIds.find(object->first);
   if (state.fields && old != oldIds.end()) state.fields->notePlaced(old->second, object->first);
   return true;
@@ -197,6 +199,8 @@ void PagePlacer::writeObjects(SourceState& state, const CTesselPage& page, int f
     const auto& [object, body] = *entry;
     // An object that couldn't be read stays a free entry, which is null to a reader.
     if (body.empty()) continue;
+    // An annotation of another page, which something has led to; that page brings it, placed for its sheet.
+    if (onSheet.count(object) == 0 && isPageBound(body)) continue;
     const auto old = oldIds.find(object.first);
     if (state.fields && old != oldIds.end() && state.fields->take(old->second, object, body)) continue;
     writer.writeHarvested(object, turned.count(object) == 0 ? body : turnedAppearance(body, matrix));

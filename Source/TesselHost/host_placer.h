@@ -83,6 +83,7 @@ class PagePlacer {
   std::map<int, TESSEL::CTesselPage::StreamObjMap> digests;
   TESSEL::CTesselPage::StreamObjMap* present = nullptr;  ///< of the page at hand
   std::unordered_map<int, Identity> oldIds;              ///< by number in the output, of the page at hand
+  std::set<Identity> onSheet;                            ///< annotations of the page at hand
   std::set<Identity> turned;  ///< appearances of the page at hand that turn with it
   int lost = 0;
 };

@@ -278,6 +278,20 @@ TEST_F(Links, LeadToTheRightPlaceInAnEncryptedOutput) {
               ElementsAre("1 10 20 30 40 to 2 FitV 7", "1 10 20 30 40 uri http://x.example/y"));
 }
 
+TEST_F(Links, ReachedFromAnotherPageAreWrittenForTheirOwn) {
+  // The structure leads from the first page to the second one's link, whose hexadecimal text a plain copy
+  // would leave without its key.
+  const std::string entries =
+      "<</Subtype/Link/Rect[10 20 30 40]/Contents<4142>/A<</S/GoTo/D[3 0 R/Fit]/SD[20 0 R/Fit]>>>>";
+  file("in.pdf", pagesWith({"/Annots[8 0 R]", "/Annots[9 0 R]"}, "/StructTreeRoot<</K 20 0 R>>")
+                     .object(8, entries)
+                     .object(9, entries)
+                     .object(20, "<</S/Link/Pg 3 0 R/K[<</Type/OBJR/Obj 8 0 R>><</Type/OBJR/Obj 9 0 R>>]>>")
+                     .build());
+  EXPECT_THAT(placed({"--grid", "2x1"}),
+              ElementsAre("1 10 20 30 40 to 1 FitR 0 0 200 100", "1 210 20 230 40 to 1 FitR 0 0 200 100"));
+}
+
 // Choices
 // ----------------------------------------------------------------------------------------------------------
 
