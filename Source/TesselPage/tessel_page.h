@@ -10,6 +10,7 @@
 #include "TesselPage/tessel_desttd.h"
 #include "TesselPage/tessel_enables.h"
 #include "TesselPage/tessel_security.h"
+#include "TesselPage/tessel_text.h"
 #include "TesselPage/tessel_types.h"
 
 namespace TESSEL {
@@ -230,6 +231,33 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
 
   /// The header literal, such as "%PDF-1.7".
   const std::string& getHeaderVersion() const;
+
+  /// What the source claims to be, in three fields. Bits 0 to 7: 0 to 7 for PDF 1.0 to 1.7, 10 for any other
+  /// header, or, with the X kinds 1 to 6, the version that the standard builds on. Bits 8 to 11: PDF/X kind
+  /// (ISO 15930): 1 X-1:2001, 2 X-1a:2001, 3 X-3:2002, 4 X-1a:2003, 5 X-2:2003, 6 X-3:2003, 7 X-4, 8 X-4p, 9
+  /// X-5g, 10 X-5n, 11 X-5pg, 15 unknown. Bits 12 to 15: PDF/A kind (ISO 19005): 1 A-1a, 2 A-1b, 3 to 5 A-2
+  /// with conformance A, B, U, 6 to 8 A-3 likewise, 15 unknown. What can't be read makes no claim.
+  int getVersion() const;
+  /// Whether the catalog says that the document is tagged (ISO 32000-2, 14.7.1).
+  bool isMarked() const;
+  /// The number of output intents that the source has (ISO 32000-2, 14.11.5). More than those that the
+  /// getters below know of when one of them can't be read.
+  unsigned short getOutputIntentsCount() const;
+  /// The entries of an output intent, counted from 0. Strings are as they stand in the file: without their
+  /// outer parentheses, with their escapes, in hexadecimal with "<" and ">". Empty where the intent has no
+  /// such entry, and for an index that there isn't.
+  void getOPIInfo(unsigned short index, icu::UnicodeString& out) const;
+  void getOPIOutputCondition(unsigned short index, icu::UnicodeString& out) const;
+  std::string getOPIOutputConditionIdentifier(unsigned short index) const;
+  std::string getOPIS(unsigned short index) const;  ///< subtype, with its "/"
+  std::string getOPIRegistryName(unsigned short index) const;
+  std::string getOPIDestOutputProfile(unsigned short index) const;  ///< the ICC profile's decoded bytes
+  std::string getOPIProfileName(unsigned short index) const;
+  std::string getOPIF(unsigned short index) const;
+  std::string getOPIFS(unsigned short index) const;
+  std::string getOPIProfileCS(unsigned short index) const;
+  std::string getOPICheckSum(unsigned short index) const;
+  std::string getOPIICCVersion(unsigned short index) const;
 
   int getPageCount() const;
   /// The box that getPageSize and getPageSizeEx without a box argument take. Always 0.
