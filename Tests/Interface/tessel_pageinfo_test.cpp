@@ -1,5 +1,7 @@
 #include "TesselPage/Interface/tessel_pageinfo.h"
 
+#include "TesselPage/Finder/tessel_valueutility.h"
+
 #include <gtest/gtest.h>
 
 #include <string>

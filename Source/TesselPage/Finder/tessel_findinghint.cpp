@@ -1,5 +1,7 @@
 #include "TesselPage/Finder/tessel_findinghint.h"
 
+#include <utility>
+
 #include "TesselPage/Finder/tessel_finderexception.h"
 
 namespace TESSEL {
@@ -18,7 +20,7 @@ EPDFType FindingHint::getPropertyType(const char* key) const {
 
 std::string FindingHint::getPropertyValue(const char* key) const {
   const auto found = values.lower_bound(key);
-  return found != values.end() && found->first == key ? found->second : std::string();
+  return found != values.end() && found->first == key ? std::string(found->second.text) : std::string();
 }
 
 long FindingHint::getPropertyValueCount(const char* key) const {
@@ -26,11 +28,18 @@ long FindingHint::getPropertyValueCount(const char* key) const {
 }
 
 void FindingHint::insertPropertyValue(const char* key, const std::string& value) {
-  values.emplace(key, value);
+  auto text = std::make_shared<const std::string>(value);
+  const std::string_view whole = *text;
+  insertPropertyValue(key, std::move(text), whole);
+}
+
+void FindingHint::insertPropertyValue(const char* key, std::shared_ptr<const std::string> text,
+                                      std::string_view value) {
+  values.emplace(key, Value{std::move(text), value});
 }
 
 void FindingHint::outPutValue(std::ostream& out) const {
-  for (const auto& [key, value] : values) out << key << std::endl << value << std::endl;
+  for (const auto& [key, value] : values) out << key << std::endl << value.text << std::endl;
 }
 
 }  // namespace TESSEL

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace TESSEL {
 
@@ -53,13 +55,21 @@ class FindingHint {
   /// Adds a value behind those that the key has. Equal values stay apart.
   void insertPropertyValue(const char* key, const std::string& value);
 
+  /// The same with a value that lies in `text`, which the hint shares: values may lie in each other as deep
+  /// as their text is long, so that copies would not fit into memory.
+  void insertPropertyValue(const char* key, std::shared_ptr<const std::string> text, std::string_view value);
+
   /// Writes key and value of every value found, each on a line of its own, by key and then in the order
   /// found. Flushes each line.
   void outPutValue(std::ostream& out) const;
 
  private:
+  struct Value {
+    std::shared_ptr<const std::string> holder;
+    std::string_view text;  ///< in the holder
+  };
   std::map<std::string, EPDFType> properties;
-  std::multimap<std::string, std::string> values;
+  std::multimap<std::string, Value> values;
 };
 
 }  // namespace TESSEL

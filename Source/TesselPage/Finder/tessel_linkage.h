@@ -3,16 +3,20 @@
 #include <string>
 
 #include "TesselPage/Finder/tessel_findinghint.h"
+#include "TesselPage/Structure/tessel_sobj.h"
 
 namespace TESSEL {
 
 class CSourFile;
+class SearchBudget;
 
 /// Follows references to a value of one type.
 class Linkage {
  public:
-  /// @param file  that the references point into; not owned
-  Linkage(EPDFType wantedType, CSourFile* file) : type(wantedType), source(file) {}
+  /// @param file    that the references point into
+  /// @param budget  what the loads are taken from; null: there is no bound. Neither is owned.
+  Linkage(EPDFType wantedType, CSourFile* file, SearchBudget* budget = nullptr)
+      : type(wantedType), source(file), searchBudget(budget) {}
 
   /// Follows the reference at the head of the text from object to object, as long as each is a reference
   /// itself; a cycle of such objects ends where it closes.
@@ -28,8 +32,11 @@ class Linkage {
   std::string linkImpl(const std::string& text);
 
  private:
+  std::string textOf(const SObj& object, const std::string& text);
+
   EPDFType type;
   CSourFile* source;
+  SearchBudget* searchBudget;
 };
 
 }  // namespace TESSEL

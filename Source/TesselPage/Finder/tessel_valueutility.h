@@ -22,8 +22,8 @@ std::string parseValue(const T& tokenizer, const char* begin, const char* end,
 /// The text without all its leading "(" and all its trailing ")".
 std::string trimParenthes(const std::string& text);
 
-/// Whether a whole stream object (dictionary, "stream", "endstream") stands anywhere in the text.
-bool help_function_MatchStreamObject(std::string& text);
+/// Whether a whole stream object (dictionary, "stream", "endstream") stands anywhere in the text. 1 or 0.
+long help_function_MatchStreamObject(const std::string& text);
 
 /// Questions about the text of values. They find constructs in any bytes, see PDF_RULES: no answer takes
 /// account of what surrounds a match.

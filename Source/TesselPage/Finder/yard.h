@@ -381,6 +381,9 @@ class Search {
  public:
   explicit Search(const Stream& range) : stream(range) {}
 
+  /// Goes to a place, from which the search goes on. What earlier attempts have learned is kept.
+  void standAt(const char* place) { stream.restore(place); }
+
   /// Finds the leftmost match at the place of the search or behind it; the search goes on behind that match.
   /// @return false when there is none
   bool next(Token& token) {

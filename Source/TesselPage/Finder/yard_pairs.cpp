@@ -121,12 +121,24 @@ class PairScan::Unwinding {
   Ending climb(const char* from) {
     const char* const limit = climbOwner == 0 ? nullptr : found[climbOwner - 1].opening;
     std::ptrdiff_t inner = 0;
-    for (Run run; scan.nextRun(from, run); from = run.stop) {
+    for (Run run; nextRun(from, run); from = run.stop) {
       if (run.first == limit) break;
       if (!run.opens && run.count > inner) return fresh(scan.delimiter(run, inner + 1));
       inner += run.opens ? run.count : -run.count;
     }
     return follow(static_cast<std::ptrdiff_t>(climbOwner));
+  }
+
+  /// As the scan's own, but a run is measured once, from however many places in it one climbs.
+  bool nextRun(const char* from, Run& run) {
+    if (from >= climbed.begin && from < climbed.stop) {
+      run = scan.makeRun(from, climbed.stop, *from);
+      if (run.count > 0) return true;
+      from = climbed.stop;
+    }
+    if (!scan.nextRun(from, run)) return false;
+    climbed = run;
+    return true;
   }
 
   Ending follow(std::ptrdiff_t index) {
@@ -149,6 +161,7 @@ class PairScan::Unwinding {
   const char* restartClosing = nullptr;
   std::ptrdiff_t restartIndex = none;
   std::size_t climbOwner = 0;
+  Run climbed{};  ///< the run that was measured last
   std::ptrdiff_t followed = none;
 };
 
@@ -159,10 +172,36 @@ const PairScan::Unclosed* PairScan::unclosedAt(const char* opening) {
   return unclosed[cursor].opening == opening ? &unclosed[cursor] : nullptr;
 }
 
+const char* PairScan::countedEnd(const char* opening, const char* runStop, std::ptrdiff_t depth) {
+  if (counted.end && opening >= counted.opening && opening < counted.end) return endInside(opening);
+  const char* const place = balancedEnd(runStop, depth);
+  if (place) {
+    counted = {opening, place};
+    inside.clear();
+  }
+  return place;
+}
+
+/// Counting from each of them would look at a stretch of text once for each level.
+const char* PairScan::endInside(const char* opening) {
+  if (opening == counted.opening) return counted.end;
+  if (inside.empty()) {
+    forPairsInside(counted.opening, counted.end, [this](const Run& run, std::ptrdiff_t i, const char* stop) {
+      inside.push({delimiter(run, i), stop});
+    });
+    std::sort(inside.begin(), inside.end(),
+              [](const Balanced& a, const Balanced& b) { return a.opening < b.opening; });
+    insideCursor = 0;
+  }
+  while (insideCursor + 1 < inside.size() && inside[insideCursor].opening < opening) ++insideCursor;
+  while (insideCursor > 0 && inside[insideCursor].opening > opening) --insideCursor;
+  return inside[insideCursor].end;
+}
+
 PairScan::Ending PairScan::resolve(const char* runStop, std::ptrdiff_t behind) {
   const char* const opening = runStop - behind * shape.width;
   if (const Unclosed* known = unclosedAt(opening)) return known->ending;
-  if (const char* place = balancedEnd(runStop, behind)) return {place, isKept(place), true};
+  if (const char* place = countedEnd(opening, runStop, behind)) return {place, isKept(place), true};
   Unwinding(*this).run(opening);
   cursor = unclosed.size() - 1;
   return unclosed.back().ending;
@@ -221,17 +260,9 @@ void PairSearch::gatherInside(const char* from, const char* stop) {
   inside.clear();
   insideTaken = 0;
   insideStop = stop;
-  ShortStack<Pair, withoutHeap> open;
-  for (PairScan::Run run; scan.nextRun(from, run) && run.first < stop; from = run.stop) {
-    for (std::ptrdiff_t i = 0; run.opens && i < run.count; ++i)
-      open.push({scan.beginOf(run, i), scan.delimiter(run, i), nullptr});
-    for (std::ptrdiff_t i = 0; !run.opens && i < run.count && !open.empty(); ++i) {
-      Pair pair = open.back();
-      open.pop();
-      pair.end = scan.delimiter(run, i + 1);
-      if (scan.isKept(pair.end)) inside.push(pair);
-    }
-  }
+  scan.forPairsInside(from, stop, [this](const PairScan::Run& run, std::ptrdiff_t i, const char* end) {
+    if (scan.isKept(end)) inside.push({scan.beginOf(run, i), scan.delimiter(run, i), end});
+  });
   std::sort(inside.begin(), inside.end(), [](const Pair& a, const Pair& b) { return a.opening < b.opening; });
 }
 

@@ -64,7 +64,9 @@ struct PairTail {
 /// text leaves unclosed may still end somewhere inside, by the fall-back of `re_NestRule`; its end follows
 /// from the end of the next unclosed opening to its right. So the first unclosed opening that is asked for
 /// makes one pass from the end of the text, which settles all unclosed openings behind it; the rest is
-/// counting. Memory: one entry for each unclosed opening, the first 64 of them without heap.
+/// counting. Pairs inside a pair that was counted before are gathered in one pass when the first of them is
+/// asked for. Memory: one entry for each unclosed opening and each pair so gathered, the first 64 of each
+/// without heap.
 ///
 /// An object serves one text and one thread. Starts in ascending order are fastest; any order is right.
 class PairScan {
@@ -108,6 +110,11 @@ class PairScan {
   /// The i-th delimiter of a run, from 0.
   const char* delimiter(const Run& run, std::ptrdiff_t i) const { return run.first + i * shape.width; }
 
+  /// Calls `take(run, i, end)` for each balanced pair of a stretch of text in which all pairs are closed, in
+  /// the order of their ends: the run and the index of its opening, and the place behind it.
+  template <class Take>
+  void forPairsInside(const char* from, const char* stop, Take take) const;
+
   /// Where the leftmost match that opens with the i-th delimiter of a run begins.
   const char* beginOf(const Run& run, std::ptrdiff_t i) const {
     return i == 0 ? run.begin : delimiter(run, i) - (shape.width - 1);
@@ -118,6 +125,10 @@ class PairScan {
     const char* opening;
     Ending ending;
   };
+  struct Balanced {
+    const char* opening;
+    const char* end;
+  };
   class Unwinding;
   static constexpr std::size_t withoutHeap = 64;
 
@@ -127,6 +138,8 @@ class PairScan {
   bool previousRun(const char* from, const char* limit, Run& run) const;
   const char* balancedEnd(const char* from, std::ptrdiff_t depth) const;
   const Unclosed* unclosedAt(const char* opening);
+  const char* countedEnd(const char* opening, const char* runStop, std::ptrdiff_t depth);
+  const char* endInside(const char* opening);
 
   PairShape shape;
   PairTail tail;
@@ -136,7 +149,27 @@ class PairScan {
   const char* lastStop = nullptr;
   ShortStack<Unclosed, withoutHeap> unclosed;  ///< from right to left
   std::size_t cursor = 0;
+  Balanced counted{nullptr, nullptr};        ///< the pair counted last that lies in no other
+  ShortStack<Balanced, withoutHeap> inside;  ///< the pairs inside that one, by opening, once gathered
+  std::size_t insideCursor = 0;
 };
+
+template <class Take>
+void PairScan::forPairsInside(const char* from, const char* stop, Take take) const {
+  struct Opening {
+    Run run;
+    std::ptrdiff_t index;
+  };
+  ShortStack<Opening, withoutHeap> open;
+  for (Run run; nextRun(from, run) && run.first < stop; from = run.stop) {
+    for (std::ptrdiff_t i = 0; run.opens && i < run.count; ++i) open.push({run, i});
+    for (std::ptrdiff_t i = 0; !run.opens && i < run.count && !open.empty(); ++i) {
+      const Opening opening = open.back();
+      open.pop();
+      take(opening.run, opening.index, delimiter(run, i + 1));
+    }
+  }
+}
 
 /// Finds pairs by what stands behind them, one after the other, in time linear in the text.
 ///

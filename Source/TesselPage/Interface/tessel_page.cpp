@@ -64,8 +64,10 @@ int CTesselPage::init() {
     const int opened = source.CheckAndInit();
     if (opened != Result::success) return opened;
     const int read = readDocument(*state);
-    if (read == Result::success) SetSourcePassword();
-    return read;
+    if (read != Result::success) return read;
+    SetSourcePassword();
+    findIntents(*state);
+    return Result::success;
   });
 }
 

@@ -148,6 +148,7 @@ int CTesselPage::reopen(const std::string& password) {
   state->digests.clear();
   if (const int opened = source.CheckAndInit(); opened != Result::success) throw opened;
   if (const int read = readDocument(*state); read != Result::success) throw read;
+  findIntents(*state);
   return passwordState;
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "TesselPage/Finder/tessel_findinghint.h"
 #include "TesselPage/Interface/tessel_digests.h"
 #include "TesselPage/Interface/tessel_numbering.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
@@ -50,6 +51,11 @@ struct PageState {
   std::string idString;
   std::string pageGroup;
 
+  std::vector<std::unique_ptr<FindingHint>> outputIntentHints;  ///< one for each output intent
+  unsigned short outputIntentsCount = 0;                        ///< as the source has them
+  /// An entry of an output intent, from 0; empty when there is none.
+  std::string intentValue(unsigned short index, const char* key) const;
+
   std::vector<CTesselPage::IdentityPair> old2NewVector;
   Numbering numbering;
   std::vector<Identity> harvestedAnew;  ///< known objects that the next harvest writes once more
@@ -68,5 +74,9 @@ struct PageState {
 /// identifiers.
 /// @return 0, or 8001 when the catalog can't be written
 int readDocument(PageState& state);
+
+/// Collects the source's output intents behind those that the state has already. What can't be read is left
+/// out.
+void findIntents(PageState& state);
 
 }  // namespace TESSEL

@@ -8,9 +8,9 @@
 
 #include "PDFEncryption/hashes.h"
 #include "TesselPage/Finder/pdf_rules.h"
+#include "TesselPage/Finder/tessel_valueutility.h"
 #include "TesselPage/Interface/tessel_outputkey.h"
 #include "TesselPage/Interface/tessel_page_state.h"
-#include "TesselPage/Interface/tessel_pageinfo.h"
 #include "TesselPage/Security/tessel_encrypt.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
 #include "TesselPage/Syntax/tessel_keywords.h"
@@ -212,12 +212,6 @@ class StringRestorer {
 std::string CTesselPage::decryptObject(const std::string& text, int num, int gen) const {
   if (!state->stringsRestorable || text.rfind(kwendobj) == std::string::npos) return text;
   return StringRestorer(*state, text, SObj(num, gen)).run();
-}
-
-long help_function_MatchStreamObject(const std::string& text) {
-  yard::OneTokenizer<PDF_RULES::MatchStreamObject> found;
-  found.Tokenize(text.data(), text.data() + text.size());
-  return found.empty() ? 0 : 1;
 }
 
 }  // namespace TESSEL

@@ -22,7 +22,4 @@ std::string getDicStr(const std::string& text);
 /// The first array of `text`; empty when the value is a reference.
 std::string getArrayStr(const std::string& text);
 
-/// Whether the text holds a complete stream object: a dictionary, "stream" and "endstream". 1 or 0.
-long help_function_MatchStreamObject(const std::string& text);
-
 }  // namespace TESSEL
