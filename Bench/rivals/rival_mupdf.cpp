@@ -1,4 +1,4 @@
-// The same jobs against libmupdf: open FILE | boxes FILE | middle FILE OUT | nup FILE OUT
+// The same jobs against libmupdf: open FILE | boxes FILE | middle FILE OUT | nup FILE OUT [PASSWORD [sealed]]
 
 #include <cstdio>
 #include <cstring>
@@ -82,15 +82,22 @@ void addSheet(fz_context* context, pdf_document* source, pdf_document* out, pdf_
   pdf_drop_obj(context, resources);
 }
 
-void write(fz_context* context, pdf_document* out, const char* path) {
+/// @param password  of user and owner; null for an output that isn't encrypted
+void write(fz_context* context, pdf_document* out, const char* path, const char* password) {
   pdf_write_options options = pdf_default_write_options;
   options.do_compress = 1;
+  if (password) {
+    options.do_encrypt = PDF_ENCRYPT_AES_256;
+    std::snprintf(options.upwd_utf8, sizeof options.upwd_utf8, "%s", password);
+    std::snprintf(options.opwd_utf8, sizeof options.opwd_utf8, "%s", password);
+  }
   pdf_save_document(context, out, path, &options);
 }
 
 int run(fz_context* context, int count, char** arguments) {
   const std::string job = arguments[1];
   pdf_document* source = pdf_open_document(context, arguments[2]);
+  if (count > 4 && !pdf_authenticate_password(context, source, arguments[4])) return 1;
   const int pages = pdf_count_pages(context, source);
   if (job == "open") {
     std::printf("%d\n", pages);
@@ -103,7 +110,7 @@ int run(fz_context* context, int count, char** arguments) {
       pdf_graft_mapped_page(context, map, -1, source, pages / 2);
     else
       for (int i = 0; i < pages; i += 2) addSheet(context, source, out, map, i, pages);
-    write(context, out, arguments[3]);
+    write(context, out, arguments[3], count > 5 ? arguments[4] : nullptr);
     pdf_drop_graft_map(context, map);
     pdf_drop_document(context, out);
   }

@@ -1,4 +1,4 @@
-// The same jobs against libqpdf: open FILE | boxes FILE | middle FILE OUT | nup FILE OUT
+// The same jobs against libqpdf: open FILE | boxes FILE | middle FILE OUT | nup FILE OUT [PASSWORD [sealed]]
 
 #include <cstdio>
 #include <qpdf/QPDF.hh>
@@ -28,9 +28,14 @@ double sumOfBoxes(std::vector<QPDFPageObjectHelper>& pages) {
   return total;
 }
 
-void write(QPDF& out, const char* path) {
+/// @param password  of user and owner; null for an output that isn't encrypted
+void write(QPDF& out, const char* path, const char* password) {
   QPDFWriter writer(out, path);
-  writer.setDeterministicID(true);
+  if (password)
+    writer.setR6EncryptionParameters(password, password, true, true, true, true, true, true, qpdf_r3p_full,
+                                     true);
+  else
+    writer.setDeterministicID(true);
   writer.write();
 }
 
@@ -63,7 +68,7 @@ int main(int count, char** arguments) {
   if (count < 3) return 2;
   const std::string job = arguments[1];
   QPDF source;
-  source.processFile(arguments[2]);
+  source.processFile(arguments[2], count > 4 ? arguments[4] : nullptr);
   std::vector<QPDFPageObjectHelper> pages = QPDFPageDocumentHelper(source).getAllPages();
   if (job == "open") {
     std::printf("%zu\n", pages.size());
@@ -77,7 +82,7 @@ int main(int count, char** arguments) {
       target.addPage(pages[pages.size() / 2], false);
     else
       for (std::size_t i = 0; i < pages.size(); i += 2) target.addPage(sheet(out, pages, i), false);
-    write(out, arguments[3]);
+    write(out, arguments[3], count > 5 ? arguments[4] : nullptr);
   }
   return 0;
 }

@@ -182,7 +182,7 @@ bool PDFDecryptionManager::isUserPWDR3(EncryptInfo& info, std::string& password,
 
 bool PDFDecryptionManager::isUserPWDR5(EncryptInfo& info, const std::string& password) const {
   const std::string hash =
-      saltedHash(revision5, getUTF8Str(password), part(info.U, validationSalt, saltSize));
+      saltedHash(info, revision5, getUTF8Str(password), part(info.U, validationSalt, saltSize));
   if (!startsEqual(hash, info.U, hashSize)) return false;
   info.userPassword = password;
   return true;
@@ -190,7 +190,7 @@ bool PDFDecryptionManager::isUserPWDR5(EncryptInfo& info, const std::string& pas
 
 bool PDFDecryptionManager::isUserPWDR6(EncryptInfo& info, const std::string& password) const {
   const std::string hash =
-      saltedHash(revision6, getUTF8Str(password), part(info.U, validationSalt, saltSize));
+      saltedHash(info, revision6, getUTF8Str(password), part(info.U, validationSalt, saltSize));
   if (startsEqual(hash, info.U, hashSize)) {
     info.userPassword = password;
     return true;
@@ -291,7 +291,8 @@ bool PDFDecryptionManager::isOwnerPWDR3(EncryptInfo& info, const std::string& pa
 
 bool PDFDecryptionManager::isOwnerPWDOf(EncryptInfo& info, const std::string& password, int revision) const {
   const std::string salt = part(info.O, validationSalt, saltSize);
-  if (!startsEqual(saltedHash(revision, getUTF8Str(password), salt, info.U), info.O, hashSize)) return false;
+  if (!startsEqual(saltedHash(info, revision, getUTF8Str(password), salt, info.U), info.O, hashSize))
+    return false;
   info.ownerPassword = password;
   std::string owner = password;
   createKey(info, owner, false, true);
@@ -313,7 +314,7 @@ std::string PDFDecryptionManager::asTried(const EncryptInfo& info, const std::st
 std::string PDFDecryptionManager::keyAES256(const EncryptInfo& info, const std::string& password,
                                             const std::string& salt, bool owner) const {
   const std::string u = owner ? part(info.U, 0, entrySize) : std::string();
-  return chainDecrypt256(owner ? info.OE : info.UE, saltedHash(info.R, password, salt, u));
+  return chainDecrypt256(owner ? info.OE : info.UE, saltedHash(info, info.R, password, salt, u));
 }
 
 }  // namespace pcrypt

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 namespace pcrypt {
@@ -34,6 +35,9 @@ struct EncryptInfo {
   std::string ownerPassword;          ///< set by the password tests
   std::string userPassword;           ///< set by the password tests
   bool fileKeyForAllObjects = false;  ///< true: the file key is the key of every object, whatever the method
+  /// Hashes of revision 6 that have been made, by what they were made from. They are slow by design, and one
+  /// decision asks for some of them again and again.
+  mutable std::map<std::string, std::string> knownHashes;
 };
 
 }  // namespace pcrypt

@@ -130,11 +130,16 @@ std::string PDFEncryptionBase::fileKeyOf(const EncryptInfo& info, const std::str
   return stretched(digest, info.R, info.keyLength);
 }
 
-std::string PDFEncryptionBase::saltedHash(int revision, const std::string& password, const std::string& salt,
-                                          const std::string& u) const {
+std::string PDFEncryptionBase::saltedHash(const EncryptInfo& info, int revision, const std::string& password,
+                                          const std::string& salt, const std::string& u) const {
   std::string hash = sha256(password + salt + u);
-  if (revision == revision6) caculateHashR6(hash, password, hash, u, u.empty());
-  return hash;
+  if (revision != revision6) return hash;
+  constexpr std::size_t mostHashes = 16;
+  if (info.knownHashes.size() > mostHashes) info.knownHashes.clear();
+  const std::string source = std::to_string(password.size()) + ' ' + password + hash + u;
+  const auto [known, isNew] = info.knownHashes.try_emplace(source);
+  if (isNew) caculateHashR6(known->second, password, hash, u, u.empty());
+  return known->second;
 }
 
 }  // namespace pcrypt

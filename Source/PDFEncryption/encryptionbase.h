@@ -54,8 +54,9 @@ class PDFEncryptionBase {
   std::string fileKeyOf(const EncryptInfo& info, const std::string& password) const;
 
   /// Hash of a password with a salt of /U, or of /O when `u` is the whole of /U, for revisions 5 and 6.
-  std::string saltedHash(int revision, const std::string& password, const std::string& salt,
-                         const std::string& u = {}) const;
+  /// @param info  remembers the hashes of revision 6
+  std::string saltedHash(const EncryptInfo& info, int revision, const std::string& password,
+                         const std::string& salt, const std::string& u = {}) const;
 };
 
 }  // namespace pcrypt

@@ -41,8 +41,8 @@ void PDFEncryptionManager::calculateOKey(const EncryptOption& option, EncryptInf
   }
   const std::string& password = ownerOf(option);
   const std::string salts = fillers(2 * saltSize);
-  info.O = saltedHash(info.R, password, part(salts, 0, saltSize), info.U) + salts;
-  const std::string key = saltedHash(info.R, password, part(salts, saltSize, saltSize), info.U);
+  info.O = saltedHash(info, info.R, password, part(salts, 0, saltSize), info.U) + salts;
+  const std::string key = saltedHash(info, info.R, password, part(salts, saltSize, saltSize), info.U);
   info.OE = chainEncrypt256(info.fileKey, key);
 }
 
@@ -54,8 +54,8 @@ void PDFEncryptionManager::calculateUKey(const EncryptOption& option, EncryptInf
     info.U = rc4Passes(identifierHash(info.fileIdentifier), info.fileKey, 0, lastPass) + arbitrary;
   } else {
     const std::string salts = fillers(2 * saltSize);
-    info.U = saltedHash(info.R, option.userPassword, part(salts, 0, saltSize)) + salts;
-    const std::string key = saltedHash(info.R, option.userPassword, part(salts, saltSize, saltSize));
+    info.U = saltedHash(info, info.R, option.userPassword, part(salts, 0, saltSize)) + salts;
+    const std::string key = saltedHash(info, info.R, option.userPassword, part(salts, saltSize, saltSize));
     info.UE = chainEncrypt256(info.fileKey, key);
   }
 }

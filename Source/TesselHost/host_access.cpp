@@ -9,6 +9,7 @@
 
 #include "PDFEncryption/decryptionmanager.h"
 #include "PDFEncryption/encryptinfo.h"
+#include "PDFEncryption/encryptionmanager.h"
 #include "TesselHost/host_error.h"
 
 namespace TesselHost {
@@ -78,6 +79,7 @@ bool isUnknown(const CTesselPage& reader) {
 }  // namespace
 
 Opening openReader(CTesselPage& reader, const std::string& password) {
+  pcrypt::PDFEncryptionManager::useSystemRandom();
   int result = reader.init();
   int state = reader.SetSourcePassword();
   for (const std::string& form : furtherForms(password)) {

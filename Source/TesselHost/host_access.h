@@ -14,8 +14,9 @@ struct Opening {
   std::string reason;  ///< of a result other than 0, in words
 };
 
-/// Opens a source: the reader's init, and the password in each form that a file may have been made with. A
-/// password that isn't needed is ignored. A source that no password at hand opens is one that isn't open.
+/// Opens a source: the reader's init, with the operating system's random source in use from then on, and the
+/// password in each form that a file may have been made with. A password that isn't needed is ignored. A
+/// source that no password at hand opens is one that isn't open.
 Opening openReader(TESSEL::CTesselPage& reader, const std::string& password);
 
 /// Who has opened a source, and what that allows.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -98,6 +99,8 @@ class CEncrypt : public CObj {
   int method = 0;                    ///< a pcrypt::Method: the cipher of strings and streams
   int handler = 0;                   ///< standardHandler or otherHandler; 0 without a dictionary
   bool keySearched = false;          ///< the search for the file key has run
+  /// Slow hashes of revision 6 that were made for this record, see pcrypt::EncryptInfo.
+  std::map<std::string, std::string> knownHashes;
 
  private:
   void settleMethod(bool aesV2, bool aesV3);

@@ -75,6 +75,7 @@ void saveEncryptInfo(const CEncrypt& encrypt, EncryptInfo& info) {
   info.fileKey += encrypt.fileKey.first(encrypt.keyBytes());
   info.V = encrypt.V;
   info.method = encrypt.method;
+  info.knownHashes = encrypt.knownHashes;
 }
 
 void resaveEncryptInfo(const EncryptInfo& info, CEncrypt& encrypt) {
@@ -92,6 +93,7 @@ void resaveEncryptInfo(const EncryptInfo& info, CEncrypt& encrypt) {
   encrypt.fileKey.put(info.fileKey);
   encrypt.V = info.V;
   encrypt.method = info.method;
+  encrypt.knownHashes = info.knownHashes;
 }
 
 int DecryptString(const CEncrypt& encrypt, const SObj* object, std::string& data) {
