@@ -7,47 +7,69 @@
 // source.
 #include <TesselPage/Model/tessel_catalog.h>
 #include <TesselPage/Model/tessel_pageobj.h>
-#include <TesselPage/Model/tessel_pages.h>
 #include <TesselPage/Structure/tessel_sourcebuffer.h>
 #include <TesselPage/Structure/tessel_sourfile.h>
 #include <TesselPage/Writer/tessel_destfile.h>
 #include <TesselPage/tessel_enables.h>
 
-#include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 using namespace TESSEL;
 
 namespace {
 
-/// The direct dictionary that stands behind `key`, brackets and all; empty when there is none.
-std::string dictionaryBehind(const std::string& text, const std::string& key) {
+/// The value behind `key` in a dictionary's text: an array or a dictionary with its brackets, or what stands
+/// there up to the next key or the end. Empty when there is none.
+std::string valueBehind(const std::string& text, const std::string& key) {
   const std::size_t place = text.find(key);
   if (place == std::string::npos) return {};
-  const std::size_t begin = text.find_first_not_of(" \t\r\n", place + key.size());
+  const std::size_t begin = place + key.size();
   int depth = 0;
   for (std::size_t at = begin; at < text.size(); ++at) {
-    const std::string bracket = text.substr(at, 2);
-    if (bracket == "<<") ++depth, ++at;
-    if (bracket == ">>") --depth, ++at;
-    if (depth == 0) return at == begin ? std::string() : text.substr(begin, at + 1 - begin);
+    if (depth == 0 && (text[at] == '/' || text[at] == '>')) return text.substr(begin, at - begin);
+    if (text[at] == '[' || text[at] == '<') ++depth;
+    if (text[at] != ']' && text[at] != '>') continue;
+    // The next turn closes the second byte of a dictionary's end.
+    if (--depth == 0) return text.substr(begin, at + 1 - begin);
   }
   return {};
 }
 
-/// A page that is copied as it stands. What it inherits in its source, and its new parent, are put in front.
+class Merger : public CDestFile {
+ public:
+  bool WritePage(CSourFile& source, const SObj& page) override;
+
+  /// Text of a node of the source's page tree, with the new numbers; copied once.
+  const std::string& nodeText(CSourFile& source, const SObj& node) {
+    const auto [place, isNew] = nodes.try_emplace({currentFile, node});
+    if (!isNew) return place->second;
+    const std::size_t had = size();
+    CObj(node).LocalObj(*this, source, nullptr);
+    place->second = substr(had);
+    resize(had);
+    return place->second;
+  }
+
+ private:
+  std::map<std::pair<int, SObj>, std::string> nodes;
+};
+
+/// A page that is copied as it stands. Its new parent, and what it inherits in its source, are put in front.
 class MergedPage : public CPage {
  public:
+  explicit MergedPage(Merger& output) : merger(output) {}
+
   bool WriteObj(CDestFile& dest, CSourFile& source, bool* dropped) override {
     const std::size_t begin = dest.size();
     if (!CObj::WriteObj(dest, source, dropped)) return false;
-    CSourFile& main = source.mainSource();
-    const std::string page = dest.substr(begin);
-    const std::string keys = inherited(dest, main, page);
+    const std::string keys = inherited(source.mainSource(), dest.substr(begin));
     const std::size_t dictionary = dest.find("<<", begin);
     if (dictionary != std::string::npos) dest.insert(dictionary + 2, keys);
     dest.endMark = dest.size();
@@ -55,66 +77,30 @@ class MergedPage : public CPage {
   }
 
  private:
-  std::string inherited(CDestFile& dest, CSourFile& source, const std::string& page) {
-    Facade_stringstream keys;
-    keys.append("/Parent ").append(reference(source.newRoot));
-    const CPaperInfo& paper = source.paperInfoMap[id];
-    const auto lacks = [&](const char* key) { return page.find(key) == std::string::npos; };
-    if (lacks("/MediaBox")) addBox(keys, "/MediaBox", paper.box(PageBox::media));
-    if (lacks("/CropBox")) addBox(keys, "/CropBox", paper.box(PageBox::crop));
-    if (lacks("/Rotate") && paper.rotation != 0) keys.append("/Rotate " + std::to_string(paper.rotation));
-    if (lacks("/Resources")) addResources(dest, source, keys);
+  std::string inherited(CSourFile& source, const std::string& page) {
+    const SObj& parent = source.newRoot;
+    std::string keys = "/Parent " + std::to_string(parent.objNum) + " 0 R";
+    std::set<SObj> climbed;
+    for (SObj at = source.parentMap[id]; at.objNum != 0 && climbed.insert(at).second;
+         at = source.parentMap[at]) {
+      const std::string& node = merger.nodeText(source, at);
+      for (const char* key : {"/MediaBox", "/CropBox", "/Rotate", "/Resources"}) {
+        const bool known = page.find(key) != std::string::npos || keys.find(key) != std::string::npos;
+        const std::string value = known ? std::string() : valueBehind(node, key);
+        if (!value.empty()) keys.append(key).append(" ").append(value).append("\n");
+      }
+    }
     return keys;
   }
 
-  static std::string reference(const SObj& object) {
-    return std::to_string(object.objNum) + ' ' + std::to_string(object.genNum) + " R";
-  }
-
-  static void addBox(Facade_stringstream& keys, const char* key, const RectTD& box) {
-    if (box.left == box.right || box.bottom == box.top) return;
-    keys.append(key).append("[");
-    for (const float number : {box.left, box.bottom, box.right, box.top}) {
-      keys << static_cast<double>(number);
-      keys.append(" ");
-    }
-    keys.append("]");
-  }
-
-  void addResources(CDestFile& dest, CSourFile& source, Facade_stringstream& keys) {
-    SObj shared;
-    std::vector<SObj> within;
-    const SObj parent = source.parentMap[id];
-    if (getParentResource(source, parent, shared, within)) {
-      if (const SObj* newId = dest.findNewObj(shared)) keys.append("/Resources ").append(reference(*newId));
-    } else {
-      keys.append(directResources(dest, source, parent));
-    }
-  }
-
-  /// A direct dictionary comes with the text of the nearest ancestor that has one, references renumbered.
-  static std::string directResources(CDestFile& dest, CSourFile& source, SObj at) {
-    const std::size_t had = dest.size();
-    for (std::size_t climbed = 0; at.objNum != 0 && climbed < source.parentMap.size() + 1; ++climbed) {
-      CObj(at).LocalObj(dest, source, nullptr);
-      const std::string text = dest.substr(had);
-      dest.resize(had);
-      if (text.find("/Resources") != std::string::npos)
-        return "/Resources" + dictionaryBehind(text, "/Resources");
-      at = source.parentMap[at];
-    }
-    return {};
-  }
+  Merger& merger;
 };
 
-class Merger : public CDestFile {
- public:
-  bool WritePage(CSourFile& source, const SObj& page) override {
-    MergedPage writer;
-    writer.setIdentity(page);
-    return writer.Write(*this, source);
-  }
-};
+bool Merger::WritePage(CSourFile& source, const SObj& page) {
+  MergedPage writer(*this);
+  writer.setIdentity(page);
+  return writer.Write(*this, source);
+}
 
 /// One source; the stream must outlive it.
 struct Input {

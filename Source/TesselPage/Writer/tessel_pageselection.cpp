@@ -21,7 +21,7 @@ int leadingInt(std::string_view text) {
   const bool negative = text.substr(place, 1) == "-";
   if (negative || text.substr(place, 1) == "+") ++place;
   long long value = 0;
-  for (; place < text.size() && isDigit(text[place]); ++place)
+  for (; place < text.size() && isDigit(text[place]) && value < limit; ++place)
     value = std::min(value * 10 + (text[place] - '0'), limit);
   return static_cast<int>(negative ? -value : value);
 }
