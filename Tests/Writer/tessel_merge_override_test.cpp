@@ -60,6 +60,20 @@ TEST(MergePages, CallerMayWriteThemOtherwiseIntoANodeThatHasItsNumber) {
   EXPECT_NE(dest.find("2 0 obj <</Type/Page/MediaBox[0 0 9 9]>>\nendobj"), std::string::npos) << dest;
 }
 
+TEST(MergeObjects, OfAContentsArrayThatIsAnObjectAreWrittenToo) {
+  const Source source = pdf()
+                            .pageTree({3})
+                            .object(3, "<</Type/Page/Contents 4 0 R>>")
+                            .object(4, "[5 0 R 6 0 R]")
+                            .stream(5, {}, "q")
+                            .stream(6, {}, "Q")
+                            .open();
+  CDestFile dest;
+  merge(dest, *source);
+  EXPECT_NE(dest.find("3 0 obj [ 4 0 R 5 0 R]\nendobj"), std::string::npos) << dest;
+  EXPECT_NE(dest.find("5 0 obj <</Length 1 >>\nstream\r\nQ"), std::string::npos) << dest;
+}
+
 TEST(MergeTable, EntryOfTheObjectBehindANewOneIsRight) {
   CSourFile none{std::string()};
   CDestFile dest;

@@ -49,6 +49,8 @@ void readPage(CSourFile& source, int number) {
   } catch (const CFileError&) {
   }
   source.clear();
+  // Of contents in an array of its own, the harvest has the array alone.
+  for (const SObj& contents : source.pageContentObjs) source.enterPageObject(contents);
 }
 
 int pageCount(const CSourFile& source) { return static_cast<int>(source.pageList.size()); }
