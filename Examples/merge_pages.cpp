@@ -131,8 +131,17 @@ int openSources(Merger& output, std::vector<std::unique_ptr<Input>>& inputs, cha
   return 0;
 }
 
+/// Nodes of the source's page tree stay behind, whatever else leads to them.
+void leaveTreeBehind(CSourFile& source) {
+  for (const SObj& page : source.pageList) {
+    SObj node = source.parentMap[page];
+    while (source.pageObjects.erase(node) != 0) node = source.parentMap[node];
+  }
+}
+
 void write(Merger& output, CSourFile& anySource) {
   output.Read();
+  for (const auto& [number, source] : output.files) leaveTreeBehind(*source);
   output.TidyObj();
   output.append(output.header).append("\n%\xE2\xE3\xCF\xD3\n");
   output.endMark = output.size();

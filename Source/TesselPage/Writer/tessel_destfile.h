@@ -141,6 +141,7 @@ class CDestFile : public Facade_stringstream {
   std::map<SObj, std::unique_ptr<CPages>> pages;
 
  private:
+  void writeObjects(CSourFile& source);
   void writeSelected(CSourFile& source, int page);
 
   std::map<NewObjTable, SObj> newNumbers;

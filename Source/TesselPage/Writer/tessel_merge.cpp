@@ -130,7 +130,7 @@ int CDestFile::ReadPageObj() {
   const bool all = std::find(pageSelection.begin(), pageSelection.end(), everything) != pageSelection.end();
   if (all) pageSelection.clear();
   for (const auto& [file, source] : files)
-    if (all) forEachPage(*source, 0, [&](int page) { pageSelection.emplace_back(file, page); });
+    for (int page = 1; all && page <= pageCount(*source); ++page) pageSelection.emplace_back(file, page);
   for (const auto& [file, page] : pageSelection)
     if (CSourFile* source = GetSourFile(file))
       forEachPage(*source, page, [&](int n) { readPage(*source, n); });
@@ -148,15 +148,18 @@ void CDestFile::TidyObj() {
 }
 
 int CDestFile::WritePageObj() {
-  WholeObjects whole(*this);
   for (const auto& [file, source] : files) {
     currentFile = file;
-    for (const SObj& object : source->pageObjects)
-      if (!object.hasAny(ObjFlag::notMerged))
-        whole.write(object, [&] { CObj(object).Write(*this, *source); });
+    writeObjects(*source);
   }
   currentFile = 0;
   return success;
+}
+
+void CDestFile::writeObjects(CSourFile& source) {
+  WholeObjects whole(*this);
+  for (const SObj& object : source.pageObjects)
+    if (!object.hasAny(ObjFlag::notMerged)) whole.write(object, [&] { CObj(object).Write(*this, source); });
 }
 
 int CDestFile::WritePages() {
