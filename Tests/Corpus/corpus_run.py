@@ -196,7 +196,9 @@ def groups_of(tasks):
         size = MERGE_GROUP[0] + len(groups) % (MERGE_GROUP[1] - MERGE_GROUP[0] + 1)
         groups.append(opened[at:at + size])
         at += size
-    return len(opened), [group for group in groups if len(group) >= MERGE_GROUP[0]]
+    if at < len(opened) and groups:
+        groups[-1] += opened[at:]
+    return len(opened), groups
 
 
 def opens_alone(task):
@@ -283,7 +285,7 @@ def merge(tasks):
         for (task, page), renderer, selection, verdict in misses:
             missed[renderer] += 1
             print(f"  {task.name} page {page} {renderer} {selection}: {verdict}")
-    good = troubles == 0
+    good = troubles == 0 and bool(groups)
     for renderer in pages:
         like = 1 - missed[renderer] / max(1, pages[renderer])
         print(f"merge: {renderer}: {pages[renderer] - missed[renderer]} of {pages[renderer]} pages alike ({like:.2%})")
