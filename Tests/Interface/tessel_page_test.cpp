@@ -213,6 +213,17 @@ TEST(PageSelection, EachPageIsReadInItsTurn) {
   }
 }
 
+TEST(PageSelection, AStringWithoutItsEndCostsItsOwnPageOnly) {
+  PdfBuilder builder = threePages();
+  builder.object(3, "<</Type/Page/Parent 2 0 R/Title (open >>");
+  const OpenPage open = builder.openPage();
+  EXPECT_EQ(open->setPageNo(1), Result::success);
+  open->getPageRootString(0);
+  EXPECT_EQ(open->setPageNo(2), Result::success);
+  open->setStartObjNo(10);
+  EXPECT_EQ(open->size(), 1U);
+}
+
 TEST(PageSelection, TheSamePageKeepsItsMap) {
   const Probe opened = harvest(threePages());
   EXPECT_EQ(opened->size(), 1U);

@@ -162,6 +162,13 @@ TEST(AnnotHarvest, AnnotationSharedByTwoPagesIsFilteredForEach) {
   EXPECT_EQ(flagsOf(source, 6), 0x81000);
 }
 
+TEST(AnnotHarvest, DroppedAnnotationGoesThoughTheFormOrThePageEnteredItBefore) {
+  auto builder = withPage("/Foo 6 0 R/Annots 5 0 R").object(5, "[6 0 R]").object(6, "<</Subtype/Link>>");
+  EXPECT_THAT(harvested(readWith(builder, {0, 0})), ElementsAre(5));
+  EXPECT_THAT(harvested(readWith(builder, {texts, 0})), ElementsAre(5));
+  EXPECT_THAT(harvested(readWith(builder, {links, 0})), ElementsAre(5, 6));
+}
+
 TEST(AnnotHarvest, ReferenceToAPageFromTheArrayDamagesThePage) {
   for (const char* array : {"[4 0 R]", "[<</Subtype/Link/P 3 0 R>>]"}) {
     Source source = withArray(array).open();
@@ -369,6 +376,12 @@ TEST(DirectAnnots, WhatADictionaryInThePageRefersToIsThePagesOwn) {
 TEST(DirectAnnots, WhatThePageNeedsOtherwiseStays) {
   auto builder = withPage("/Group 8 0 R/Annots[]/Metadata 8 0 R").object(8, "<<>>");
   EXPECT_THAT(harvested(readWith(builder, {texts, 0})), ElementsAre(8));
+}
+
+TEST(DirectAnnots, WhatThePageRefersToBehindThemIsEnteredAnew) {
+  auto builder = withPage("/Foo 8 0 R/Annots[]/Resources 8 0 R").object(8, "<<>>");
+  EXPECT_EQ(flagsOf(readWith(builder, {0, 0}), 8), 0x20);
+  EXPECT_EQ(flagsOf(readWith(builder, {texts, 0}), 8), 0x20);
 }
 
 TEST(DirectAnnots, AreCheckedOnlyWhenLinksAreAskedFor) {

@@ -85,6 +85,7 @@ int CTesselPage::setPageNo(int pageNo) {
   page.selectorA = state->pageStringA;
   page.selectorB = state->pageStringB;
   page.selectorC = state->pageStringC;
+  source.clear();  // whatever a getter of the former page has run into
   try {
     page.fromStream(source);
     state->pageString = page.pageGroup;

@@ -33,7 +33,6 @@ class AnnotObjectScan {
  private:
   bool isOff() const { return main.switches.annotsEnable == 0 && main.switches.formsEnable == 0; }
   bool dropAll();
-  void drop(const SObj& entry);
   void look();
   void filter();
   void filterWidget();
@@ -85,17 +84,11 @@ bool AnnotObjectScan::run() {
   return scanKeys(source, *this);
 }
 
-/// With nothing enabled: whether the object was there to be dropped.
+/// With nothing enabled: whether the object was there to be dropped, whoever entered it.
 bool AnnotObjectScan::dropAll() {
-  const auto entry = main.pageObjects.find(annot.id);
-  if (entry == main.pageObjects.end()) return false;
-  drop(*entry);
+  if (!main.isPageObject(annot.id)) return false;
+  main.erasePageObject(annot.id);
   return true;
-}
-
-/// What the page itself needs too stays as it is.
-void AnnotObjectScan::drop(const SObj& entry) {
-  if (entry.hasAny(ObjFlag::annotLike)) main.erasePageObject(SObj(entry));
 }
 
 /// The first pass: what the filters ask for.
@@ -150,13 +143,13 @@ void AnnotObjectScan::filterWidget() {
 }
 
 /// Merges the flags into the entry of the page objects. True when the object is dropped, and its entry with
-/// it.
+/// it, whoever entered it: what the page refers to behind the array, it enters again.
 bool AnnotObjectScan::keepOrDrop() {
   const auto entry = main.pageObjects.find(annot.id);
   if (entry == main.pageObjects.end()) return false;
   annot.id.objFlags |= entry->objFlags;
   if (ObjFlag::dropped(annot.id.objFlags)) {
-    drop(*entry);
+    main.erasePageObject(annot.id);
     return true;
   }
   if (entry->objFlags == annot.id.objFlags) return false;
