@@ -4,6 +4,7 @@
 The documents are made here: the sample manual repeated to 100, 1,000 and 10,000 pages, and any file given with --manual (a
 real manual of over 1,000 pages). Rivals are left out when their programs aren't there.
 
+The job "keep" is "nup" for documents of many links and of many fields, which the rival keeps too.
 The jobs "opened" and "sealed" are "nup" with a source under AES-256, to a plain output and to one under AES-256; their times are
 told as multiples of those of "nup" too. --ciphers measures ciphers and hashes alone, beside "openssl speed".
 """
@@ -20,6 +21,8 @@ SIZES = (100, 1000, 10000)
 PASSWORD = "use"
 PROTECTED_JOBS = ("opened", "sealed")
 OPENSSL_NAMES = ("aes-128-cbc", "aes-256-cbc", "md5", "sha256", "sha512")
+ANNOTATIONS = (2500, 5000, 10000, 20000)
+PER_PAGE = 50
 
 
 def measure(command):
@@ -54,6 +57,60 @@ def protected_copy(file, folder):
     return out
 
 
+def write_pdf(path, objects):
+    """A file of these objects, {number: body}; 1 is the catalog."""
+    out, offsets = bytearray(b"%PDF-1.7\n"), {}
+    for number, body in objects.items():
+        offsets[number] = len(out)
+        out += f"{number} 0 obj\n{body}\nendobj\n".encode("latin-1")
+    start, size = len(out), max(objects) + 1
+    out += f"xref\n0 {size}\n0000000000 65535 f \n".encode()
+    for number in range(1, size):
+        out += (f"{offsets[number]:010} 00000 n \n" if number in offsets else "0000000000 65535 f \n").encode()
+    out += f"trailer\n<</Size {size}/Root 1 0 R>>\nstartxref\n{start}\n%%EOF\n".encode()
+    with open(path, "wb") as file:
+        file.write(out)
+
+
+def annotated(path, count, annotation, catalog="", more=None):
+    """A document of `count` annotations, PER_PAGE on a page; annotation(i, own number, page number, all page numbers) is one's
+    dictionary, without its rectangle."""
+    pages = list(range(10, 10 + count // PER_PAGE))
+    first = 10 + len(pages)
+    objects = {1: f"<</Type/Catalog/Pages 2 0 R{catalog}>>",
+               2: f"<</Type/Pages/Count {len(pages)}/Kids[{' '.join(f'{page} 0 R' for page in pages)}]>>",
+               **(more(first) if more else {})}
+    for at, page in enumerate(pages):
+        own = range(first + at * PER_PAGE, first + (at + 1) * PER_PAGE)
+        objects[page] = (f"<</Type/Page/Parent 2 0 R/MediaBox[0 0 595 842]/Resources<<>>"
+                         f"/Annots[{' '.join(f'{number} 0 R' for number in own)}]>>")
+        for place, number in enumerate(own):
+            rect = f"/Rect[50 {20 + 16 * place} 250 {34 + 16 * place}]"
+            objects[number] = f"<</Type/Annot/P {page} 0 R{rect}{annotation(number - first, number, page, pages)}>>"
+    write_pdf(path, objects)
+
+
+def linked_document(path, count):
+    def link(i, _, __, pages):
+        target = f"[{pages[i * 7 % len(pages)]} 0 R/XYZ 50 {i % 800} null]"
+        return "/Subtype/Link/Border[0 0 0]" + (f"/Dest{target}" if i % 2 else f"/A<</S/GoTo/D{target}>>")
+    annotated(path, count, link)
+
+
+def form_document(path, count):
+    """Every second field has a widget of its own; the others share one field, which has one on each page."""
+    def field(i, number, _, __):
+        return "/Subtype/Widget/F 4" + ("/Parent 4 0 R" if i % 2 else f"/FT/Tx/T(field {i})/V(value)/DA(/Helv 9 Tf 0 g)")
+
+    def form(first):
+        own = " ".join(f"{first + i} 0 R" for i in range(0, count, 2))
+        shared = " ".join(f"{first + i} 0 R" for i in range(1, count, 2))
+        return {3: f"<</Fields[4 0 R {own}]/DA(/Helv 9 Tf 0 g)/DR<</Font<</Helv 5 0 R>>>>>>",
+                4: f"<</FT/Tx/T(shared)/V(value)/DA(/Helv 9 Tf 0 g)/Kids[{shared}]>>",
+                5: "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>"}
+    annotated(path, count, field, "/AcroForm 3 0 R", form)
+
+
 def commands(job, file, out, tools):
     """{who: command} of one job; ours first."""
     tessel, bench = tools["tessel"], tools["bench"]
@@ -63,11 +120,13 @@ def commands(job, file, out, tools):
         "middle": [tessel, "nup", file, "-o", out, "--grid", "1x1", "--paper", "auto", "--quiet",
                    "--pages", str(tools["pages"] // 2 + 1)],
         "nup": [tessel, "nup", file, "-o", out, "--grid", "2x1", "--paper", "A4", "--quiet"],
+        "keep": [tessel, "nup", file, "-o", out, "--grid", "2x1", "--paper", "A4", "--quiet"],
     }
     ours["opened"] = ours["nup"] + ["--password", PASSWORD]
     ours["sealed"] = ours["opened"] + ["--encrypt", "aes-256", "--user-password", PASSWORD]
     found = {"tessel": ours[job]}
-    for rival in ("qpdf", "mupdf"):
+    # One of the rivals can't keep annotations.
+    for rival in ("qpdf",) if job == "keep" else ("qpdf", "mupdf"):
         program = tools.get(rival)
         if program and os.path.exists(program):
             found[rival] = [program, job, file] + ([] if job in ("open", "boxes") else [out])
@@ -120,6 +179,11 @@ def measure_ciphers(binaries):
         print(f"openssl {name:24} {float(text.split()[-1].rstrip('k')) / 1000:8.0f} MB/s")
 
 
+def report_growth(what, times):
+    for (fewer, before), (more, after) in zip(times, times[1:]):
+        print(f"growth: {more / fewer:.1f} times the {what}, {after / before:.1f} times the time")
+
+
 def parse():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--build", default="build/bench", help="build folder with the programs")
@@ -127,6 +191,8 @@ def parse():
     parser.add_argument("--manual", default="", help="a real manual of over 1,000 pages")
     parser.add_argument("--jobs", default="open,boxes,middle,nup,opened,sealed")
     parser.add_argument("--sizes", default=",".join(map(str, SIZES)))
+    parser.add_argument("--annotations", default=",".join(map(str, ANNOTATIONS)),
+                        help="numbers of links and of fields of the documents that are placed with them")
     parser.add_argument("--runs", type=int, default=5)
     parser.add_argument("--ciphers", action="store_true", help="measure the ciphers, and nothing else")
     return parser.parse_args()
@@ -139,10 +205,11 @@ def main():
         measure_ciphers(binaries)
         return 0
     tools = {"tessel": os.path.join(options.build, "tessel"), "bench": os.path.join(binaries, "bench_tessel"),
-             "qpdf": os.path.join(binaries, "rival_qpdf"), "mupdf": os.path.join(binaries, "rival_mupdf")}
+             "qpdf": os.path.join(binaries, "rival_qpdf"), "mupdf": os.path.join(binaries, "rival_mupdf"),
+             "pages": 0}
     with tempfile.TemporaryDirectory() as folder:
         files = [(f"sample {size}", repeated_sample(options.sample, size, folder))
-                 for size in map(int, options.sizes.split(","))]
+                 for size in map(int, filter(None, options.sizes.split(",")))]
         if options.manual:
             files.append(("manual", options.manual))
         nup_times = []
@@ -157,8 +224,16 @@ def main():
                     plain = results["tessel"][0]
                 if job == "nup" and name.startswith("sample"):
                     nup_times.append((tools["pages"], results["tessel"][0]))
-        for (fewer, before), (more, after) in zip(nup_times, nup_times[1:]):
-            print(f"growth: {more / fewer:.1f} times the pages, {after / before:.1f} times the time")
+        report_growth("pages", nup_times)
+        for what, make in (("links", linked_document), ("fields", form_document)):
+            times = []
+            for count in map(int, filter(None, options.annotations.split(","))):
+                file = os.path.join(folder, f"{what}-{count}.pdf")
+                make(file, count)
+                results = measure_job("keep", file, folder, tools, options.runs)
+                report(f"{what} {count}", "keep", results, None)
+                times.append((count, results["tessel"][0]))
+            report_growth(what, times)
     return 0
 
 

@@ -1,7 +1,9 @@
 // The same jobs against libqpdf: open FILE | boxes FILE | middle FILE OUT | nup FILE OUT [PASSWORD [sealed]]
+// | keep FILE OUT, which is nup with the pages' annotations and fields
 
 #include <cstdio>
 #include <qpdf/QPDF.hh>
+#include <qpdf/QPDFAcroFormDocumentHelper.hh>
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
@@ -39,22 +41,30 @@ void write(QPDF& out, const char* path, const char* password) {
   writer.write();
 }
 
-/// One sheet with up to two pages beside each other.
-QPDFObjectHandle sheet(QPDF& out, std::vector<QPDFPageObjectHelper>& pages, std::size_t first) {
+/// What sheets need to take the annotations along.
+struct Forms {
+  QPDFAcroFormDocumentHelper from;
+  QPDFAcroFormDocumentHelper to;
+};
+
+/// One sheet with up to two pages beside each other, with their annotations if `forms` is there.
+QPDFObjectHandle sheet(QPDF& out, std::vector<QPDFPageObjectHelper>& pages, std::size_t first, Forms* forms) {
   QPDFObjectHandle xobjects = QPDFObjectHandle::newDictionary();
+  QPDFObjectHandle page = out.makeIndirectObject(QPDFObjectHandle::newDictionary());
   std::string content;
   for (std::size_t i = first; i < first + 2 && i < pages.size(); ++i) {
     const std::string name = "/P" + std::to_string(i - first);
     QPDFObjectHandle form = out.copyForeignObject(pages[i].getFormXObjectForPage());
     xobjects.replaceKey(name, form);
     const double left = static_cast<double>(i - first) * sheetWidth / 2;
+    QPDFMatrix matrix;
     content += pages[i].placeFormXObject(
-        form, name, QPDFObjectHandle::Rectangle(left, 0, left + sheetWidth / 2, sheetHeight), false, true,
-        true);
+        form, name, QPDFObjectHandle::Rectangle(left, 0, left + sheetWidth / 2, sheetHeight), matrix, false,
+        true, true);
+    if (forms) QPDFPageObjectHelper(page).copyAnnotations(pages[i], matrix, &forms->to, &forms->from);
   }
   QPDFObjectHandle resources = QPDFObjectHandle::newDictionary();
   resources.replaceKey("/XObject", xobjects);
-  QPDFObjectHandle page = out.makeIndirectObject(QPDFObjectHandle::newDictionary());
   page.replaceKey("/Type", QPDFObjectHandle::newName("/Page"));
   page.replaceKey("/MediaBox", QPDFObjectHandle::newFromRectangle({0, 0, sheetWidth, sheetHeight}));
   page.replaceKey("/Resources", resources);
@@ -78,10 +88,12 @@ int main(int count, char** arguments) {
     QPDF out;
     out.emptyPDF();
     QPDFPageDocumentHelper target(out);
+    Forms forms{QPDFAcroFormDocumentHelper(source), QPDFAcroFormDocumentHelper(out)};
     if (job == "middle")
       target.addPage(pages[pages.size() / 2], false);
     else
-      for (std::size_t i = 0; i < pages.size(); i += 2) target.addPage(sheet(out, pages, i), false);
+      for (std::size_t i = 0; i < pages.size(); i += 2)
+        target.addPage(sheet(out, pages, i, job == "keep" ? &forms : nullptr), false);
     write(out, arguments[3], count > 5 ? arguments[4] : nullptr);
   }
   return 0;

@@ -76,6 +76,8 @@ std::string FormFields::write() {
 SourceFields::SourceFields(FormFields& aForm, const SourceObjects& someObjects, std::string aName)
     : form(aForm), objects(someObjects), name(asPartialName(std::move(aName))) {
   dictionary = objects.entry(objects.catalog(), "/AcroForm");
+  appearance = objects.entry(dictionary, "/DA");
+  quadding = objects.entry(dictionary, "/Q");
   const std::string fields = objects.entry(dictionary, "/Fields");
   for (const auto field : elementsOf(fields))
     if (const auto root = referenceIn(field); root && rootSet.insert(*root).second) roots.push_back(*root);
@@ -107,12 +109,12 @@ std::string SourceFields::parentEntry(std::size_t copy, int kid) {
 /// What a field at the top had from its own form and would not have from the output's.
 std::string SourceFields::inheritedEntries(const Identity& root, int number) const {
   std::string entries;
-  for (const auto& [key, common] : {std::pair{"/DA", &form.appearance}, std::pair{"/Q", &form.quadding}}) {
-    const std::string value = objects.entry(dictionary, key);
-    if (!value.empty() && !common->empty() && value != *common &&
-        valueOfKey(objects.valueOf(root), key).empty())
-      entries += form.writer.ownText(number, fmt::format("{} {}", key, value));
-  }
+  const auto keep = [&](std::string_view key, const std::string& own, const std::string& common) {
+    if (!own.empty() && !common.empty() && own != common && valueOfKey(objects.valueOf(root), key).empty())
+      entries += form.writer.ownText(number, fmt::format("{} {}", key, own));
+  };
+  keep("/DA", appearance, form.appearance);
+  keep("/Q", quadding, form.quadding);
   return entries;
 }
 
@@ -178,8 +180,8 @@ void SourceFields::writeWrappers() {
 }
 
 void SourceFields::addFormEntries(const NewIds& ids) {
-  if (form.appearance.empty()) form.appearance = objects.entry(dictionary, "/DA");
-  if (form.quadding.empty()) form.quadding = objects.entry(dictionary, "/Q");
+  if (form.appearance.empty()) form.appearance = appearance;
+  if (form.quadding.empty()) form.quadding = quadding;
   form.needsAppearances |= objects.entry(dictionary, "/NeedAppearances") == "true";
   const std::string calculated = objects.entry(dictionary, "/CO");
   for (const auto element : elementsOf(calculated)) {

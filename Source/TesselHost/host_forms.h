@@ -87,6 +87,8 @@ class SourceFields {
   const SourceObjects& objects;
   std::string name;
   std::string dictionary;       ///< the source's form
+  std::string appearance;       ///< its /DA
+  std::string quadding;         ///< its /Q
   std::vector<Identity> roots;  ///< its fields, in order
   std::set<Identity> rootSet;
   std::map<Identity, std::vector<int>> placed;

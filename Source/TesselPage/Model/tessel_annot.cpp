@@ -186,10 +186,10 @@ bool CAnnot::ReadParent(CSourFile& source, const SObj& parent, std::string& fiel
   return body && getFieldInfo(&main, *body, fieldType, fieldFlags);
 }
 
-const CAnnot::FieldInfo& CAnnot::fieldInfoOf(CSourFile& source, const SObj& field) {
-  const auto [entry, isNew] = known.fields.try_emplace(field);
+const FieldInfo& CAnnot::fieldInfoOf(CSourFile& source, const SObj& field) {
+  const auto [entry, isNew] = source.mainSource().parentFields.try_emplace(field);
   FieldInfo& info = entry->second;
-  if (isNew) info.good = ReadParent(source, field, info.type, info.flags);
+  if (isNew) ReadParent(source, field, info.type, info.flags);
   return info;
 }
 

@@ -13,6 +13,8 @@
 
 namespace TESSEL {
 
+struct FieldInfo;
+
 /// Decides which annotations of a page go with it, harvests what they need, and writes each so that it fits
 /// where the host has put the page (ISO 32000-2, 12.5). The filter's verdict travels as ObjFlag bits with
 /// every reference, so that the whole subtree of a dropped annotation vanishes.
@@ -79,17 +81,9 @@ class CAnnot : public CObj {
   friend class AnnotArrayScan;
   friend class AnnotObjectScan;
 
-  /// Type and flags of a field.
-  struct FieldInfo {
-    bool good = false;
-    std::string type;
-    int flags = 0;
-  };
-
   /// What the harvest of one array has learnt of objects that many annotations share, so that each is read
   /// once.
   struct Known {
-    std::map<SObj, FieldInfo> fields;
     std::map<SObj, SDestInfo> dests;
     std::set<SObj> actions;
     /// Entries of the work list, but for objects that are missing: the harvest loop drops those unseen.
@@ -98,6 +92,7 @@ class CAnnot : public CObj {
 
   /// The value of digits; what doesn't fit is the largest.
   static int flagsOf(const std::string& digits);
+  /// Of a parent field: kept in the source, as any number of widgets ask for it.
   const FieldInfo& fieldInfoOf(CSourFile& source, const SObj& field);
   const SDestInfo& destOf(CSourFile& source, const SObj& ref);
   bool readAction(CSourFile& main, const SObj& ref);

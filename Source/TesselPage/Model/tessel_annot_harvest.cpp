@@ -122,7 +122,7 @@ void AnnotObjectScan::filter() {
 void AnnotObjectScan::filterWidget() {
   SObj field = annot.id;
   if ((fieldType.empty() || fieldFlags == 0) && parent.objNum > 0) {
-    const CAnnot::FieldInfo& inherited = annot.fieldInfoOf(source, parent);
+    const FieldInfo& inherited = annot.fieldInfoOf(source, parent);
     if (fieldType.empty() && !inherited.type.empty()) {
       fieldType = inherited.type;
       field = parent;

@@ -42,6 +42,12 @@ struct SourceSwitches {
   int currentRotation = 0;                  ///< /Rotate of the page being read, degrees
 };
 
+/// Type and flags of a form field, as its object has them (ISO 32000-2, table 226).
+struct FieldInfo {
+  std::string type;
+  int flags = 0;
+};
+
 /// An input stream that knows the document behind it: it shares the buffer of the stream it is built on and
 /// owns the tables of one source. All readers share its one position, so a reader that looks elsewhere puts
 /// it back. A memory source (isSubSource) reads one object's text from memory and shares the real source's
@@ -114,6 +120,7 @@ class CSourFile : public std::istream {
   std::map<SDestObjKey, SDestInfo> destObjMap;
   std::set<SObj> actionObjs;  ///< objects with an action
   DestLookup destLookup;      ///< what a destination's target is looked up in; for the source's whole life
+  std::map<SObj, FieldInfo> parentFields;  ///< fields that widgets asked for what they lack
   long long indirectNumbers = 0;  ///< that annotations took from arrays behind references; they are bounded
   std::set<SObj> documentObjs;    ///< reached by the form and name readers
 
