@@ -7,6 +7,8 @@
 #include <iterator>
 #include <optional>
 
+#include "TesselHost/host_conformance.h"
+#include "TesselHost/host_error.h"
 #include "TesselHost/host_json.h"
 #include "TesselHost/host_number.h"
 #include "TesselHost/host_paper.h"
@@ -149,6 +151,7 @@ void describe(const std::string& file, const std::string& password, ByteSink& si
   sink.write(
       fmt::format("{}: PDF {}, {} page{}\n", file, headerVersion(source), count, count == 1 ? "" : "s"));
   if (const Access access = source.access(); access.encrypted()) sink.write(accessText(access));
+  sink.write(conformanceText(source));
   int first = 1;
   PageFacts facts;
   for (int page = 1; page <= count; ++page) {
@@ -172,7 +175,18 @@ void describeAsJson(const std::string& file, const std::string& password, ByteSi
   for (int page = 1; page <= source.pageCount(); ++page)
     writePageJson(json, page, factsOf(source.pages(), page));
   json.endArray();
+  writeConformance(json, source);
   endLine(json, sink);
+}
+
+void extractProfile(const std::string& file, const std::string& password, int number,
+                    const std::string& output) {
+  if (isSameFile(file, output))
+    throw UsageError(fmt::format("{}: the output would overwrite this input", file));
+  const std::string profile = profileOf(Source(file, password), number);
+  OutputFile target(output);
+  target.write(profile);
+  target.commit();
 }
 
 void failureAsJson(const std::string& file, int code, const std::string& reason, ByteSink& sink) {

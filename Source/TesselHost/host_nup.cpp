@@ -186,18 +186,27 @@ void addFile(Fingerprint& fingerprint, const std::string& path) {
 }
 
 /// Equal inputs and options give equal identifiers, and so equal outputs; the files' names don't count.
-std::string identifierFor(const NupOptions& options, const std::vector<Input>& inputs) {
+std::string identifierFor(const NupOptions& options, const std::vector<Input>& inputs,
+                          const OutputClaims& claims) {
   Fingerprint fingerprint;
   fingerprint.add(fmt::format("{}x{} {} {} {} {} {} {} {} {}", options.grid.columns, options.grid.rows,
                               static_cast<int>(options.paper.kind), decimal(options.paper.size.width),
                               decimal(options.paper.size.height), decimal(options.spacing.margin),
                               decimal(options.spacing.gutter), options.frame, options.objectStreams,
                               options.extras.text()));
+  fingerprint.add(claims.text());
   for (const Input& input : inputs) {
     for (const int page : input.pages) fingerprint.add(fmt::format(" {}", page));
     addFile(fingerprint, input.source->path());
   }
   return fingerprint.bytes();
+}
+
+OutputClaims claimsFor(const NupOptions& options, const std::vector<Input>& inputs, Observer& observer) {
+  std::vector<const Source*> sources;
+  for (const Input& input : inputs)
+    if (!input.pages.empty()) sources.push_back(input.source.get());
+  return OutputClaims(options.outputIntent, sources, observer);
 }
 
 void refuseOverwriting(const NupOptions& options) {
@@ -230,15 +239,18 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   const int pages = countPages(inputs);
   if (pages == 0) throw SourceError(options.inputs.front(), "no page to place");
   const SheetPlan plan(options, inputs);
-  const std::string id = options.protection ? randomIdentifier() : identifierFor(options, inputs);
+  const OutputClaims claims = claimsFor(options, inputs, observer);
+  const std::string id = options.protection ? randomIdentifier() : identifierFor(options, inputs, claims);
   std::optional<OutputProtection> protection;
   if (options.protection) protection.emplace(*options.protection, id);
   OutputFile file(options.output);
-  OutputDocument document(file, writerOptions(options, inputs, protection), id);
+  const ObjectWriter::Options writing = writerOptions(options, inputs, protection);
+  OutputDocument document(file, writing, id);
   PagePlacer placer(document.objects(), observer, plan.formUse(), options.extras);
   SheetFiller filler(options, plan, document);
   fillSheets(inputs, placer, filler, observer);
-  document.finish(placer.catalogEntries());
+  const std::string catalog = placer.catalogEntries();
+  document.finish(catalog + claims.catalogEntries(document.objects(), writing.version, catalog));
   file.commit();
   return {pages, filler.sheets(), placer.lostLinks()};
 }

@@ -7,6 +7,7 @@
 #include "TesselHost/host_extras.h"
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_observer.h"
+#include "TesselHost/host_outputintent.h"
 #include "TesselHost/host_paper.h"
 #include "TesselHost/host_protection.h"
 #include "TesselHost/host_range.h"
@@ -23,6 +24,7 @@ struct NupOptions {
   Spacing spacing;
   bool frame = false;                           ///< a thin line around each page
   Extras extras;                                ///< what goes along with the pages
+  IntentChoice outputIntent;                    ///< of the output
   bool objectStreams = false;                   ///< a smaller file, for readers of PDF 1.5 and later
   std::string password;                         ///< of whichever inputs need one
   bool ignorePermissions = false;               ///< place also what its author didn't want placed

@@ -214,7 +214,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// both
   int SetSourcePassword() const;
   /// Beyond the interface as it stands: SetSourcePassword for a password of any length, of which 127 bytes
-  /// count in a source of revision 5 or 6 and 32 in an older one.
+  /// count in a source of revision 5 or 6 and 32 in an older one. Output intents found before are forgotten,
+  /// where the other forms leave them in front.
   int SetSourceLongPassword(const std::string& password);
   /// Text of the source's encryption dictionary; empty when it has none, or has it direct in the trailer.
   std::string getEncryptString() const;

@@ -8,6 +8,8 @@ merge    groups of 2 to 20 sound files through the merging example, whole and by
          passes `qpdf --check`, and its pages are those of the sources, in number and in looks
 encrypted  each file of the class of that name, with each of its passwords and with none: what pdfinfo opens opens, all else ends with
          exit status 1 and one line, or with 0
+claims   each file's claims, tags and output intents as `info --json` tells them, against what pdfinfo and qpdf tell; profiles as
+         `info --profile` writes them are those that qpdf decodes
 
 Passwords are those of the manifest. Prints the figures and the misses; exits with 1 when a bar isn't met.
 """
@@ -15,6 +17,8 @@ Passwords are those of the manifest. Prints the figures and the misses; exits wi
 import argparse
 import collections
 import csv
+import hashlib
+import json
 import multiprocessing
 import os
 import shutil
@@ -23,6 +27,8 @@ import sys
 import tempfile
 import time
 
+import corpus_claims
+
 MEAN_LIMIT = 2.0        # of 255
 FAR_LIMIT = 0.01        # share of pixels off by more than 64
 TIME_LIMIT = 10         # seconds for one run
@@ -30,7 +36,7 @@ MERGE_GROUP = (2, 20)   # fewest and most files of one merge
 RENDER_TIME_LIMIT = 120
 SOUND_OPEN_SHARE = 0.99
 SOUND_PAGE_SHARE = 0.98
-DEFAULT_CLASSES = {"robust": "", "render": "sound", "merge": "sound", "encrypted": "encrypted"}
+DEFAULT_CLASSES = {"robust": "", "render": "sound", "merge": "sound", "encrypted": "encrypted", "claims": "sound"}
 # What pdfinfo opens and tessel doesn't; Docs/corpus.md tells why.
 KNOWN_MISSES = {"encrypted/" + name for name in (
     "js-auth-event-ef-open.pdf", "js-encrypted-attachment.pdf", "js-issue15893_reduced.pdf", "js-issue19484_1.pdf",
@@ -293,6 +299,62 @@ def merge(tasks):
     return good
 
 
+def written_profile(task, number):
+    """SHA-256 of the profile as it is written out; None when there is none"""
+    with tempfile.TemporaryDirectory() as folder:
+        out = os.path.join(folder, "out.icc")
+        status = run([options.tool, "info", task.path, "--profile", str(number), "-o", out] + password_options(task),
+                     TIME_LIMIT)[0]
+        if status != 0:
+            return None
+        with open(out, "rb") as file:
+            return hashlib.sha256(file.read()).hexdigest()
+
+
+def claims_one(task):
+    """(opened, claims told, profiles compared, known differences, trouble as lines)"""
+    status, stdout, _, _ = run([options.tool, "info", "--json", task.path] + password_options(task), TIME_LIMIT)
+    if status != 0:
+        return 0, 0, 0, [], []
+    told = json.loads(stdout)
+    reading = corpus_claims.Reading(task.path, task.password)
+    known, trouble, profiles = [], [], 0
+    for family, claim, reason_for in (("PDF/A", reading.pdfa(), corpus_claims.reason_for_pdfa),
+                                      ("PDF/X", reading.pdfx(), corpus_claims.reason_for_pdfx)):
+        ours = "".join(text for text in told["claims"] if text.startswith(family))
+        if ours == claim:
+            continue
+        reason = reason_for(reading, ours)
+        (known if reason else trouble).append(f"{task.name}: '{ours}' instead of '{claim}'; {reason}")
+    if told["tagged"] != reading.tagged:
+        trouble.append(f"{task.name}: tagged {told['tagged']}")
+    intents = [("/" + (intent["subtype"] or ""), (intent["profile"] or {}).get("sha256")) for intent in told["outputIntents"]]
+    if intents != reading.intents:
+        trouble.append(f"{task.name}: output intents {intents} instead of {reading.intents}")
+    for number, (_, digest) in enumerate(reading.intents, 1):
+        profiles += digest is not None
+        if written_profile(task, number) != digest:
+            trouble.append(f"{task.name}: profile {number} differs")
+    return 1, len(told["claims"]), profiles, known, trouble
+
+
+def claims(tasks):
+    sums = [0, 0, 0]
+    known, bad = [], []
+    for _, (*counts, differences, trouble) in in_parallel(claims_one, tasks):
+        sums = [total + count for total, count in zip(sums, counts)]
+        known += differences
+        bad += trouble
+    reasons = collections.Counter(line.split("; ")[-1] for line in known)
+    print(f"claims: {sums[0]} of {len(tasks)} files open, {sums[1]} claims, {sums[2]} profiles, {len(known)} known differences, "
+          f"{len(bad)} in trouble")
+    for reason, count in reasons.most_common():
+        print(f"  {count} known: {reason}")
+    for line in bad:
+        print("  " + line)
+    return not bad
+
+
 RENDERERS = (render_with_poppler, render_with_mupdf)
 
 
@@ -354,7 +416,7 @@ def render(tasks):
 
 def parse():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("job", choices=("robust", "render", "merge", "encrypted"))
+    parser.add_argument("job", choices=("robust", "render", "merge", "encrypted", "claims"))
     parser.add_argument("--corpus", required=True, help="folder with MANIFEST.tsv")
     parser.add_argument("--tool", required=True, help="the tessel program")
     parser.add_argument("--compare", default="", help="the raster_compare program")
@@ -375,7 +437,7 @@ def main():
     tasks = [task for task in read_manifest(options.corpus)
              if (not classes or task.kind in classes.split(",")) and options.match in task.name]
     tasks = tasks[:: options.every]
-    good = {"robust": robust, "render": render, "merge": merge, "encrypted": encrypted}[options.job](tasks)
+    good = {"robust": robust, "render": render, "merge": merge, "encrypted": encrypted, "claims": claims}[options.job](tasks)
     print(f"{options.job}: {'passed' if good else 'FAILED'}")
     return 0 if good else 1
 

@@ -121,6 +121,7 @@ TEST_F(Info, DescribesRunsOfLikePages) {
   EXPECT_EQ(outcome.status, 0);
   EXPECT_EQ(outcome.out,
             "in.pdf: PDF 1.5, 3 pages\n"
+            "  not tagged\n"
             "  pages 1-2: 612 x 792 pt (Letter)  media [0 0 612 792]\n"
             "  page 3: 200 x 100.5 pt, rotated by 90  media [0 0 612 792]  crop [10 10 110.5 210]"
             "  trim [20 20 100 200]\n");
@@ -131,7 +132,7 @@ TEST_F(Info, WritesALineOfJsonForEachFile) {
   const Outcome outcome = tessel({"info", "--json", "in.pdf", "in.pdf"});
   const std::string line =
       R"({"file":"in.pdf","version":"1.7","encryption":null,"pageCount":1,"pages":[{"page":1,"size":[20,10],"rotate":0,"boxes":)"
-      R"({"media":[0,0,20,10],"crop":[0,0,20,10],"bleed":[0,0,20,10],"trim":[0,0,20,10],"art":[0,0,20,10]}}]})"
+      R"({"media":[0,0,20,10],"crop":[0,0,20,10],"bleed":[0,0,20,10],"trim":[0,0,20,10],"art":[0,0,20,10]}}],"tagged":false,"claims":[],"outputIntents":[]})"
       "\n";
   EXPECT_EQ(outcome.out, line + line);
 }

@@ -18,10 +18,17 @@ struct InfoCommand {
   std::vector<std::string> files;
   PasswordOption password;
   bool json = false;
+  int profile = 0;     ///< of which output intent to write the profile; 0: none
+  std::string output;  ///< where to
 
   /// A file that can't be used is told of, and the others are described all the same.
   int run() const {
     const std::string opening = password.value();
+    if (profile != 0) {
+      if (files.size() != 1) throw UsageError("--profile takes one file");
+      extractProfile(files.front(), opening, profile, output);
+      return exitDone;
+    }
     OutputFile out("-");
     int status = exitDone;
     for (const std::string& file : files)
@@ -46,11 +53,22 @@ struct InfoCommand {
 }  // namespace
 
 void addInfo(CLI::App& program, Job& job) {
-  CLI::App* command =
-      program.add_subcommand("info", "Tell version, protection, pages, boxes, sizes and rotations");
+  CLI::App* command = program.add_subcommand(
+      "info", "Tell version, protection, claims, output intents, pages, boxes, sizes and rotations");
   const auto info = std::make_shared<InfoCommand>();
   command->add_option("files", info->files, "PDF files")->type_name("FILE")->required();
   command->add_flag("--json", info->json, "One line of JSON for each file");
+  CLI::Option* profile =
+      command
+          ->add_option("--profile", info->profile,
+                       "Write the ICC profile of this output intent, counted from 1, and tell nothing")
+          ->type_name("N")
+          ->check(CLI::PositiveNumber);
+  CLI::Option* output =
+      command->add_option("-o,--output", info->output, "Where the profile goes; - for standard output")
+          ->type_name("FILE.icc");
+  profile->needs(output);
+  output->needs(profile);
   addPassword(*command, info->password);
   command->callback([&job, info] { job = [info] { return info->run(); }; });
 }

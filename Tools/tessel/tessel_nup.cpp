@@ -77,6 +77,7 @@ void addNup(CLI::App& program, Job& job) {
   addSheetOptions(*command, options);
   addPages(*command, options.pages);
   addExtras(*command, options.extras);
+  addOutputIntent(*command, options.outputIntent);
   command->add_flag("--object-streams", options.objectStreams,
                     "A smaller file, for readers of PDF 1.5 and later");
   addPassword(*command, nupCommand->password);

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "TesselHost/host_extras.h"
+#include "TesselHost/host_outputintent.h"
 #include "TesselHost/host_range.h"
 
 namespace tessel_tool {
@@ -44,6 +45,16 @@ inline void addExtras(CLI::App& command, TesselHost::Extras& extras) {
       ->type_name("LIST");
   command.add_flag_callback(
       "--no-layers", [&extras] { extras.layers = false; }, "Show all layers, also those that are off");
+}
+
+/// --output-intent, alike for every command that writes a PDF.
+inline void addOutputIntent(CLI::App& command, TesselHost::IntentChoice& choice) {
+  addParsed(
+      command, "--output-intent", choice, TesselHost::IntentChoice::parse,
+      "from-source (default) takes over the output intents of the inputs, when they agree; none; or an ICC "
+      "profile, which the output gets as its own",
+      "from-source, none or a file")
+      ->type_name("INTENT");
 }
 
 /// --quiet, alike for every command that works for long.

@@ -135,6 +135,9 @@ int CTesselPage::SetSourcePassword(const std::string& password) {
 
 int CTesselPage::SetSourceLongPassword(const std::string& password) {
   state->longPassword = true;
+  // What was read without the right key tells nothing.
+  state->outputIntentHints.clear();
+  state->outputIntentsCount = 0;
   return reopen(password);
 }
 
