@@ -58,7 +58,7 @@ int pageCount(const CSourFile& source) { return static_cast<int>(source.pageList
 /// Calls `each(page)` for the page with this number, or for all when it is 0.
 template <class Each>
 void forEachPage(const CSourFile& source, int number, Each each) {
-  const int first = number == 0 ? 1 : number;
+  const int first = std::max(number, 1);
   const int last = std::min(number == 0 ? pageCount(source) : number, pageCount(source));
   for (int page = first; page <= last; ++page) each(page);
 }
