@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iostream>
 #include <memory>
 
 #include "TesselHost/host_document.h"
@@ -23,6 +24,22 @@ struct Input {
   std::vector<int> pages;
 };
 
+/// Keeps from the standard output what the library's ASCII-safe variant tells there of each stream: the
+/// output may go to the same place.
+class QuietOutput {
+ public:
+  explicit QuietOutput(bool wanted) : before(wanted ? std::cout.rdbuf(nullptr) : nullptr), active(wanted) {}
+  ~QuietOutput() {
+    if (active) std::cout.rdbuf(before);
+  }
+  QuietOutput(const QuietOutput&) = delete;
+  QuietOutput& operator=(const QuietOutput&) = delete;
+
+ private:
+  std::streambuf* before;
+  bool active;
+};
+
 void refuseForbidden(const Source& source) {
   if (!source.access().mayPlace())
     throw SourceError(source.path(),
@@ -31,9 +48,10 @@ void refuseForbidden(const Source& source) {
 }
 
 std::vector<Input> openInputs(const NupOptions& options) {
+  const Source::Form form = options.ascii ? Source::Form::ascii : Source::Form::asStored;
   std::vector<Input> inputs;
   for (const std::string& path : options.inputs) {
-    Input input{std::make_unique<Source>(path, options.password), {}};
+    Input input{std::make_unique<Source>(path, options.password, form), {}};
     if (!options.ignorePermissions) refuseForbidden(*input.source);
     input.pages = options.pages.pagesOf(input.source->pageCount());
     inputs.push_back(std::move(input));
@@ -171,6 +189,7 @@ PdfVersion versionFor(const NupOptions& options, const std::vector<Input>& input
 ObjectWriter::Options writerOptions(const NupOptions& options, const std::vector<Input>& inputs,
                                     const std::optional<OutputProtection>& protection) {
   ObjectWriter::Options result{versionFor(options, inputs), options.objectStreams};
+  result.ascii = options.ascii;
   if (!protection) return result;
   result.version = std::max(result.version, protection->version());
   result.protection = &*protection;
@@ -189,11 +208,11 @@ void addFile(Fingerprint& fingerprint, const std::string& path) {
 std::string identifierFor(const NupOptions& options, const std::vector<Input>& inputs,
                           const OutputClaims& claims) {
   Fingerprint fingerprint;
-  fingerprint.add(fmt::format("{}x{} {} {} {} {} {} {} {} {}", options.grid.columns, options.grid.rows,
+  fingerprint.add(fmt::format("{}x{} {} {} {} {} {} {} {} {}{}", options.grid.columns, options.grid.rows,
                               static_cast<int>(options.paper.kind), decimal(options.paper.size.width),
                               decimal(options.paper.size.height), decimal(options.spacing.margin),
                               decimal(options.spacing.gutter), options.frame, options.objectStreams,
-                              options.extras.text()));
+                              options.extras.text(), options.ascii ? " ascii" : ""));
   fingerprint.add(claims.text());
   for (const Input& input : inputs) {
     for (const int page : input.pages) fingerprint.add(fmt::format(" {}", page));
@@ -235,6 +254,9 @@ void fillSheets(std::vector<Input>& inputs, PagePlacer& placer, SheetFiller& fil
 
 NupResult nup(const NupOptions& options, Observer& observer) {
   refuseOverwriting(options);
+  if (options.ascii && (options.objectStreams || options.protection))
+    throw UsageError("--ascii goes neither with --encrypt nor with --object-streams");
+  const QuietOutput quiet(options.ascii);
   std::vector<Input> inputs = openInputs(options);
   const int pages = countPages(inputs);
   if (pages == 0) throw SourceError(options.inputs.front(), "no page to place");

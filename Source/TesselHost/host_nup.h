@@ -26,6 +26,7 @@ struct NupOptions {
   Extras extras;                                ///< what goes along with the pages
   IntentChoice outputIntent;                    ///< of the output
   bool objectStreams = false;                   ///< a smaller file, for readers of PDF 1.5 and later
+  bool ascii = false;                           ///< within seven bits; neither packed nor encrypted then
   std::string password;                         ///< of whichever inputs need one
   bool ignorePermissions = false;               ///< place also what its author didn't want placed
   std::optional<ProtectionOptions> protection;  ///< encrypts the output

@@ -4,6 +4,7 @@
 
 #include <iterator>
 
+#include "TesselHost/host_ascii.h"
 #include "TesselHost/host_error.h"
 #include "TesselHost/host_strings.h"
 
@@ -58,7 +59,7 @@ std::string referenceTo(int number) { return fmt::format("{} 0 R", number); }
 ObjectWriter::ObjectWriter(ByteSink& aSink, const Options& someOptions)
     : sink(aSink), options(someOptions), entries(1) {
   put(fmt::format("%PDF-{}\n", options.version.text()));
-  put(binaryMark);
+  if (!options.ascii) put(binaryMark);
 }
 
 void ObjectWriter::reserveThrough(int number) {
@@ -92,8 +93,17 @@ void ObjectWriter::writeBody(const Identity& object, std::string_view body) {
 }
 
 void ObjectWriter::writeHarvested(const Identity& object, std::string_view body) {
-  const bool collectable = !options.protection && !holdsStream(body);
-  return collectable ? writeBody(object, body) : writePlainBody(object, body);
+  if (options.ascii && writeAsciiStream(object, body)) return;
+  return options.protection || holdsStream(body) ? writePlainBody(object, body) : writeBody(object, body);
+}
+
+/// A stream of the library's ASCII-safe variant, which leaves a byte behind the data that it encodes and
+/// takes no care of parameters and of streams without a filter.
+bool ObjectWriter::writeAsciiStream(const Identity& object, std::string_view body) {
+  const auto parts = partsOfStream(body);
+  if (!parts || object.second != 0) return false;
+  writePlainStream(object.first, withParametersInStep(parts->entries), parts->data);
+  return true;
 }
 
 std::string ObjectWriter::ownText(int number, std::string_view text) const {
@@ -103,7 +113,7 @@ std::string ObjectWriter::ownText(int number, std::string_view text) const {
 void ObjectWriter::writePlainBody(const Identity& object, std::string_view body) {
   beginObject(object);
   put(scratch);
-  put(body);
+  options.ascii ? put(asciiText(body)) : put(body);
   put("\nendobj\n");
 }
 
@@ -114,6 +124,10 @@ void ObjectWriter::writeStream(int number, std::string_view dictionaryEntries, s
 }
 
 void ObjectWriter::writePlainStream(int number, std::string_view dictionaryEntries, std::string_view data) {
+  if (options.ascii && !isAscii(data))
+    return writePlainStream(number, withAscii85(dictionaryEntries), ascii85(data));
+  if (options.ascii && !isAscii(dictionaryEntries))
+    return writePlainStream(number, asciiText(dictionaryEntries), data);
   beginObject({number, 0});
   fmt::format_to(std::back_inserter(scratch), "<<{}/Length {}>>\nstream\n", dictionaryEntries, data.size());
   put(scratch);

@@ -40,6 +40,8 @@ class ObjectWriter {
     bool objectStreams = false;
     /// Encrypts what is written; null for none. Must outlive the writer.
     const OutputProtection* protection = nullptr;
+    /// Stays within seven bits. Not with object streams, and not with protection.
+    bool ascii = false;
   };
 
   /// Writes the file's header. The sink must outlive the writer.
@@ -86,6 +88,7 @@ class ObjectWriter {
   void put(std::string_view bytes);
   void writePlainBody(const Identity& object, std::string_view body);
   void writePlainStream(int number, std::string_view entries, std::string_view data);
+  bool writeAsciiStream(const Identity& object, std::string_view body);
   int writeEncryption();
   void beginObject(const Identity& object);
   Entry& entryOf(int number);

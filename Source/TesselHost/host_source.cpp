@@ -7,6 +7,7 @@
 #include "TesselHost/host_dictionary.h"
 #include "TesselHost/host_error.h"
 #include "TesselHost/host_number.h"
+#include "TesselPage/ctesselpage_encode.h"
 
 namespace TesselHost {
 
@@ -44,6 +45,13 @@ Corners boxOf(const CTesselPage& reader, int page, CTesselPage::EBox box) {
   return corners;
 }
 
+std::unique_ptr<CTesselPage> readerOf(const std::string& path, const std::string& password,
+                                      Source::Form form) {
+  if (form == Source::Form::ascii)
+    return std::make_unique<TESSEL::CTesselPage_Encode>(path.c_str(), password);
+  return std::make_unique<CTesselPage>(path.c_str(), password);
+}
+
 }  // namespace
 
 Size PageGeometry::size() const {
@@ -51,8 +59,8 @@ Size PageGeometry::size() const {
   return quarterTurns % 2 == 0 ? lying : lying.turned();
 }
 
-Source::Source(const std::string& path, const std::string& password)
-    : file(path), reader(std::make_unique<CTesselPage>(path.c_str(), password)) {
+Source::Source(const std::string& path, const std::string& password, Form form)
+    : file(path), reader(readerOf(path, password, form)) {
   const Opening opening = openReader(*reader, password);
   if (opening.result != TESSEL::Result::success) throw SourceError(path, opening.result, opening.reason);
 }

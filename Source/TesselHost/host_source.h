@@ -23,8 +23,11 @@ struct PageGeometry {
 /// One source PDF that has been opened.
 class Source {
  public:
+  /// What the library is to hand over: streams as they are, or within seven bits where it can.
+  enum class Form { asStored, ascii };
+
   /// Throws SourceError when the file can't be used, or the password doesn't open it.
-  explicit Source(const std::string& path, const std::string& password = {});
+  explicit Source(const std::string& path, const std::string& password = {}, Form form = Form::asStored);
 
   const std::string& path() const { return file; }
   int pageCount() const { return reader->getPageCount(); }

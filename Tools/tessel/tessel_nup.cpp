@@ -80,6 +80,8 @@ void addNup(CLI::App& program, Job& job) {
   addOutputIntent(*command, options.outputIntent);
   command->add_flag("--object-streams", options.objectStreams,
                     "A smaller file, for readers of PDF 1.5 and later");
+  command->add_flag("--ascii", options.ascii,
+                    "Stay within seven-bit text; goes neither with --object-streams nor with --encrypt");
   addPassword(*command, nupCommand->password);
   command->add_flag("--ignore-permissions", options.ignorePermissions,
                     "Place also pages whose permissions forbid it");
