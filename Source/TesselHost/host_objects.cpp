@@ -124,9 +124,9 @@ void ObjectWriter::writeStream(int number, std::string_view dictionaryEntries, s
 }
 
 void ObjectWriter::writePlainStream(int number, std::string_view dictionaryEntries, std::string_view data) {
-  if (options.ascii && !isAscii(data))
+  if (options.ascii && !TesselHost::isAscii(data))
     return writePlainStream(number, withAscii85(dictionaryEntries), ascii85(data));
-  if (options.ascii && !isAscii(dictionaryEntries))
+  if (options.ascii && !TesselHost::isAscii(dictionaryEntries))
     return writePlainStream(number, asciiText(dictionaryEntries), data);
   beginObject({number, 0});
   fmt::format_to(std::back_inserter(scratch), "<<{}/Length {}>>\nstream\n", dictionaryEntries, data.size());

@@ -60,6 +60,8 @@ class ObjectWriter {
 
   /// What encrypts the output; null when nothing does.
   const OutputProtection* protection() const { return options.protection; }
+  /// Whether the output stays within seven bits.
+  bool isAscii() const { return options.ascii; }
 
   /// An object that the host made, by its body, which is no stream; white space around the body is the body's
   /// own matter.

@@ -147,7 +147,7 @@ bool OutputClaims::bearsClaimOut(const ObjectWriter& writer, PdfVersion version,
   const bool plain =
       catalog.find("/AcroForm") == catalog.npos && catalog.find("/OCProperties") == catalog.npos;
   return claim.part != 0 && ofAllSources && colours && plain && version <= pdf17 &&
-         writer.protection() == nullptr;
+         writer.protection() == nullptr && !writer.isAscii();
 }
 
 std::string OutputClaims::catalogEntries(ObjectWriter& writer, PdfVersion version,

@@ -42,8 +42,8 @@ class OutputClaims {
   OutputClaims(const IntentChoice& choice, const std::vector<const Source*>& sources, Observer& observer);
 
   /// Writes the output intents, and metadata with the sources' claim to PDF/A when the output bears it out:
-  /// it isn't encrypted, is of a version up to 1.7, has the output intents of all its sources, one of them
-  /// with a profile for PDF/A, and neither fields nor layers.
+  /// it isn't encrypted, says that it is binary (ISO 19005-2, 6.1.2), is of a version up to 1.7, has the
+  /// output intents of all its sources, one of them with a profile for PDF/A, and neither fields nor layers.
   /// @param catalog  the entries that the catalog has so far
   /// @return entries for the catalog
   std::string catalogEntries(ObjectWriter& writer, PdfVersion version, std::string_view catalog) const;

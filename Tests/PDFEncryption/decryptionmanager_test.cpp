@@ -292,6 +292,16 @@ TEST(DecryptionManager, MetadataInTheClearIsPartOfTheKey) {
 
 // Keys.
 
+TEST(DecryptionManager, HashesOfRevision6AreMadeOnceForARecord) {
+  pcrypt::EncryptInfo info = stored(protect(6, 256, "user", "owner"));
+  std::string password = "user";
+  EXPECT_EQ(pcrypt::PDFDecryptionManager().calPassWordState(info, password), 4);
+  // Of the empty password and of the user's one with each salt of /U, and of that one with a salt of /O.
+  EXPECT_EQ(info.knownHashes.size(), 5U);
+  EXPECT_EQ(pcrypt::PDFDecryptionManager().calPassWordState(info, password), 4);
+  EXPECT_EQ(info.knownHashes.size(), 5U);
+}
+
 TEST(CreateKey, MakesTheFileKeyOfAPaddedPassword) {
   const EncryptInfo made = protect(3, 128, "user", "owner");
   EncryptInfo info = stored(made);
