@@ -293,7 +293,6 @@ TEST(DecryptionManager, MetadataInTheClearIsPartOfTheKey) {
 // Keys.
 
 TEST(DecryptionManager, HashesOfRevision6AreMadeOnceForARecord) {
-  const pcrypt::PDFDecryptionManager manager;
   pcrypt::EncryptInfo info = stored(protect(6, 256, "user", "owner"));
   info.knownHashes.clear();
   std::string password = "user";
