@@ -46,6 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   page.setAcroFormsEnable(TESSEL::AcroFormsEnableAll);
   for (int number = 1; number <= std::min(page.getPageCount(), mostPages); ++number) takePage(page, number);
   page.getRootString(3);
+  page.getVersion();
+  page.getOPIDestOutputProfile(0);
   std::map<CTesselPage::Identity, bool> shown;
   std::vector<CTesselPage::Identity> order;
   page.getCatalogOCProperties(shown, order);

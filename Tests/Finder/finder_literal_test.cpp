@@ -1,66 +1,14 @@
-// The value search answers many keys of one text together. Here it is compared, on random texts, with what
-// its steps give when they are taken one by one on copies.
-
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <random>
-#include <sstream>
 #include <string>
 
-#include "TesselPage/Finder/pdf_rules.h"
-#include "TesselPage/Finder/tessel_findingvalue.h"
-#include "TesselPage/Finder/tessel_valueutility.h"
+#include "Tests/Finder/finder_compare.h"
 #include "Tests/Support/pdf_builder.h"
 
-using namespace TESSEL;
+using namespace finder_compare;
 
 namespace {
-
-constexpr int typeCount = 10;
-
-/// One key for each type that can be wanted: "/K0" to "/K9".
-FindingHint question() {
-  FindingHint hint;
-  for (int type = 0; type < typeCount; ++type)
-    hint.insertHintInfo(("/K" + std::to_string(type)).c_str(), static_cast<EPDFType>(type));
-  return hint;
-}
-
-std::string told(const FindingHint& hint) {
-  std::ostringstream out;
-  hint.outPutValue(out);
-  return out.str();
-}
-
-/// The value behind a key, in the form of its own type.
-std::string valueBehind(const char* key, const char* end, const char* start, EPDFType wanted) {
-  const EPDFType type = utility::getType(key, end, start);
-  const std::string value = utility::getValue(key, end, type, start);
-  if (wanted != ePDFString || type != ePDFName) return value;
-  const char* const behind = std::search(key, end, value.begin(), value.end()) + value.size();
-  const char* const next = std::find_if_not(behind, end, [](char c) { return PDF_RULES::isWhiteSpace(c); });
-  yard::OneTokenizer<PDF_RULES::MatchStringObject> string;
-  string.Tokenize(next, end, start);
-  const bool adjacent = !string.empty() && string.front().first == next;
-  return adjacent ? std::string(string.front().first, string.front().second) : value;
-}
-
-/// The values that stand in the text itself.
-void scanLiterally(const std::string& text, FindingHint& hint) {
-  const char* const start = text.data();
-  const auto [begin, end] = utility::getRangeOfDictionary(start, start + text.size());
-  yard::Tokenizer<PDF_RULES::MatchNameObject> names;
-  names.Tokenize(begin, end, start);
-  for (const yard::Token& name : names.tokens()) {
-    const std::string key(name.first, name.second);
-    if (!hint.keyExist(key.c_str())) continue;
-    const EPDFType wanted = hint.getPropertyType(key.c_str());
-    const std::string value = valueBehind(name.second, end, start, wanted);
-    if (utility::getType(value) != wanted) continue;
-    hint.insertPropertyValue(key.c_str(), wanted == ePDFString ? trimParenthes(value) : value);
-  }
-}
 
 /// Numbers are followed by no "0 R", so that nothing is loaded.
 const char* const pieces[] = {
@@ -81,13 +29,11 @@ TEST(FindingValueAgainstItsSteps, AgreesOnRandomTexts) {
   long answered = 0;
   for (int round = 0; round < 30000; ++round) {
     const std::string text = randomText(random);
-    FindingHint literal = question();
-    FindingHint fast = question();
-    scanLiterally(text, literal);
-    FindingValue(fast, source.file.get(), text).find(true);
-    ASSERT_EQ(told(fast), told(literal)) << text;
+    Answers answers;
+    ask(text, source.file.get(), answers);
+    ASSERT_EQ(told(answers.fast), told(answers.literal)) << text;
     for (int type = 0; type < typeCount; ++type)
-      answered += fast.getPropertyValueCount(("/K" + std::to_string(type)).c_str());
+      answered += answers.fast.getPropertyValueCount(("/K" + std::to_string(type)).c_str());
   }
   EXPECT_GT(answered, 8000);
 }
