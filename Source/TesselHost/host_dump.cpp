@@ -70,7 +70,13 @@ class Dumper {
     writeText("resources", [this](const std::string** out) { return reader.getPageRes(out, 0); });
     old2New = reader.getOld2NewObjectVector();
     writeOld2New();
+    goBehind();
+  }
+
+  /// The next page's numbers start behind those of this one's objects and destinations.
+  void goBehind() {
     if (!reader.empty()) start = std::max(start, reader.rbegin()->first.first + 1);
+    for (const auto& destination : reader.getDestVector()) start = std::max(start, destination.objNum + 1);
   }
 
   void writeSize() {

@@ -111,6 +111,12 @@ TEST(PageHarvest, CompressedObjectsAreHarvestedToo) {
   EXPECT_EQ(opened->at({10, 0}), "<</Type/Font>> \n");
 }
 
+TEST(PageHarvest, TheNamesComeThoughThePageHasAStringWithoutItsEnd) {
+  const Probe opened =
+      harvest(pdf().onePage("/Title (open ", "/Names 8 0 R").object(8, "<</A 9 0 R>>").object(9, "<<>>"));
+  EXPECT_THAT(texts(*opened), ElementsAre(Pair(Identity(10, 0), "<<>>\n")));
+}
+
 TEST(PageHarvest, TheFirstHarvestCarriesWhatTheNamesLeadTo) {
   const Probe opened = harvest(pdf()
                                    .onePage("", "/Names 8 0 R")

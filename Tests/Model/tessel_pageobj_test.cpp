@@ -355,6 +355,19 @@ TEST(PageAnnotations, PageGoesOnBehindADirectArray) {
   EXPECT_THAT(harvested(source), ElementsAre(7));
 }
 
+TEST(PageAnnotations, ArrayIsReadBehindARotationThatIsNoNumber) {
+  const Source source = pdf()
+                            .object(1, "<</Type/Catalog/Pages 2 0 R>>")
+                            .object(2, "<</Type/Pages/Kids[3 0 R]>>")
+                            .compressed(4, 3, "<</Type/Page/B 7 0 R/Rotate 6 0 R/Annots 5 0 R>>")
+                            .object(5, "[7 0 R]")
+                            .object(6, "/Name")
+                            .object(7, "<<>>")
+                            .open();
+  readPage(source);
+  EXPECT_THAT(harvested(source), ElementsAre(5));
+}
+
 TEST(PageAnnotations, MissingArrayDoesNotStopThePage) {
   const Source source = pdf().onePage("/Annots 99 0 R/Contents 7 0 R").stream(7, "", "q").open();
   readPage(source);

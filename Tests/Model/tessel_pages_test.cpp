@@ -252,6 +252,21 @@ TEST(PageTree, NodesMayLieInAnObjectStream) {
   EXPECT_EQ(mediaOf(source), (RectTD{0, 0, 3, 4}));
 }
 
+TEST(PageTree, ValuesOutsideThatAreNoNumbersLeaveTheOtherNodesOfAnObjectStreamReadable) {
+  for (const char* value :
+       {"/MediaBox[7 0 R 0 3 4]", "/MediaBox 7 0 R", "/MediaBox 8 0 R", "/Rotate 7 0 R"}) {
+    const Source source = pdf()
+                              .compressed(6, 1, "<</Type/Catalog/Pages 2 0 R>>")
+                              .compressed(6, 2, "<</Type/Pages/Kids[3 0 R 4 0 R]>>")
+                              .compressed(6, 3, std::string("<</Type/Page") + value + ">>")
+                              .compressed(6, 4, "<</Type/Page>>")
+                              .object(7, "/Name")
+                              .object(8, "[/Name]")
+                              .open();
+    EXPECT_THAT(numbers(source->pageList), ElementsAre(3, 4)) << value;
+  }
+}
+
 TEST(PageTree, KidsBehindAClosedChainOfReferencesFailTheNode) {
   const Source source = pdf()
                             .object(1, "<</Type/Catalog/Pages 2 0 R>>")

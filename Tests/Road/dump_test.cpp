@@ -76,6 +76,18 @@ TEST_F(Dump, GoesOnWithTheNumbersOfThePageBefore) {
   EXPECT_THAT(second, HasSubstr(R"("old2new":[[6,0,1,0],[6,0,1,0],[7,0,2,0]])"));
 }
 
+TEST_F(Dump, GoesOnBehindTheNumbersOfDestinations) {
+  file("in.pdf", pdf()
+                     .pageTree({3, 4}, "/MediaBox[0 0 9 9]")
+                     .object(3, "<</Type/Page/Annots[<</Dest[4 0 R/Fit]>><</Dest(name)>>]/Metadata 5 0 R>>")
+                     .object(4, "<</Type/Page/Metadata 6 0 R>>")
+                     .object(5, "<<>>")
+                     .object(6, "<<>>")
+                     .build());
+  EXPECT_THAT(line({}, 2), HasSubstr(R"("start":1,"objects":[{"num":1,)"));
+  EXPECT_THAT(line({}, 3), HasSubstr(R"("start":4,"objects":[{"num":4,)"));
+}
+
 TEST_F(Dump, StartsWhereItIsTold) {
   EXPECT_THAT(line({"--start", "50"}, 2), HasSubstr(R"("start":50,"objects":[{"num":50,)"));
 }

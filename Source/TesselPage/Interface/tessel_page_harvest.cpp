@@ -168,6 +168,7 @@ int CTesselPage::setStartObjNo(int startNo) {
   const SObj& root = source.fileInfo.root;
   if (!state->catalogRead || catalog.identity().objNum != root.objNum) {
     catalog.setIdentity(root);
+    source.clear();  // whatever reading the page has run into
     catalog.fromStream(source);
     state->catalogRead = true;
   }

@@ -210,6 +210,7 @@ void PageScan::addAnnots(const SObj& ref) {
   main.pageAnnotObjs.insert(ref);
   PositionGuard back(main, PositionGuard::State::clear);
   page.annots.id = ref;
+  main.clear();
   page.annots.fromStream(main);
 }
 

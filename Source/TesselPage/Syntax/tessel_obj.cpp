@@ -40,7 +40,10 @@ bool readReferredNumber(CSourFile& source, const SObj& ref, float& value) {
   const PositionGuard behind(source, PositionGuard::State::clear);
   std::unique_ptr<CSourFile> memory;
   CSourFile* place = CObj::ParseObj(source, memory, ref);
-  return place && readReal(*place, value);
+  if (!place) return false;
+  const bool isRead = readReal(*place, value);
+  place->clear();
+  return isRead;
 }
 
 /// The elements of an array from behind its "[" on.
@@ -110,6 +113,7 @@ bool CObj::ReadIntObj(CSourFile& source, int& value) {
   CSourFile* const place = followReferences(source, ref, memory);
   if (!place) return false;
   readInteger(*place, value);
+  if (place != &source) place->clear();
   source.seekg(behind);
   return true;
 }
@@ -120,7 +124,10 @@ bool CObj::ReadNumArrayObj(CSourFile& source, std::vector<float>& values) {
   const PositionGuard behind(source, PositionGuard::State::clear);
   std::unique_ptr<CSourFile> memory;
   CSourFile* const place = followReferences(source, ref, memory);
-  return place && readArray(*place, values);
+  if (!place) return false;
+  const bool isRead = readArray(*place, values);
+  place->clear();
+  return isRead;
 }
 
 }  // namespace TESSEL
