@@ -103,6 +103,12 @@ std::optional<FormChoice> FormChoice::parse(std::string_view text) {
   return bits ? std::optional(FormChoice{*bits}) : std::nullopt;
 }
 
+std::string fieldTypeName(unsigned type) {
+  const auto found =
+      std::find_if(typeNames.begin(), typeNames.end(), [type](auto& row) { return row.bit == type; });
+  return found == typeNames.end() ? "other" : std::string(found->name);
+}
+
 std::string Extras::text() const {
   return fmt::format("{} {} {} {}", annotations.subtypes, annotations.widgets, forms.types, layers);
 }

@@ -29,6 +29,9 @@ struct FormChoice {
   friend bool operator==(const FormChoice&, const FormChoice&) = default;
 };
 
+/// The name that FormChoice::parse knows a type by; "other" for none of them.
+std::string fieldTypeName(unsigned type);
+
 /// What goes with a page besides its content.
 struct Extras {
   AnnotationChoice annotations;

@@ -9,6 +9,7 @@
 
 #include "TesselHost/host_conformance.h"
 #include "TesselHost/host_error.h"
+#include "TesselHost/host_inventory.h"
 #include "TesselHost/host_json.h"
 #include "TesselHost/host_number.h"
 #include "TesselHost/host_paper.h"
@@ -137,6 +138,45 @@ void writeAccessJson(JsonWriter& json, const Access& access) {
   json.endArray().endObject();
 }
 
+std::string countsText(std::string_view title, const std::map<std::string, int>& counts) {
+  std::string text;
+  for (const auto& [kind, count] : counts)
+    text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, kind);
+  return text.empty() ? text : fmt::format("  {}: {}\n", title, text);
+}
+
+/// What there is besides pages, a line for each kind of thing.
+std::string inventoryText(const Inventory& inventory) {
+  std::string text =
+      countsText("annotations", inventory.annotations) + countsText("form fields", inventory.fields);
+  const auto off = std::count_if(inventory.layers.begin(), inventory.layers.end(),
+                                 [](const Inventory::Layer& layer) { return !layer.shown; });
+  if (!inventory.layers.empty())
+    text += fmt::format("  layers: {}, {} of them off\n", inventory.layers.size(), off);
+  if (!inventory.destinations.empty())
+    text += fmt::format("  named destinations: {}\n", inventory.destinations.size());
+  return text;
+}
+
+void writeCountsJson(JsonWriter& json, const std::map<std::string, int>& counts) {
+  json.beginObject();
+  for (const auto& [kind, count] : counts) json.key(kind).value(count);
+  json.endObject();
+}
+
+void writeInventoryJson(JsonWriter& json, const Inventory& inventory) {
+  json.key("annotations");
+  writeCountsJson(json, inventory.annotations);
+  json.key("fields");
+  writeCountsJson(json, inventory.fields);
+  json.key("layers").beginArray();
+  for (const Inventory::Layer& layer : inventory.layers)
+    json.beginObject().key("name").value(layer.name).key("shown").value(layer.shown).endObject();
+  json.endArray().key("destinations").beginArray();
+  for (const std::string& name : inventory.destinations) json.value(name);
+  json.endArray();
+}
+
 void endLine(JsonWriter& json, ByteSink& sink) {
   json.endObject();
   sink.write(json.text());
@@ -163,6 +203,7 @@ void describe(const std::string& file, const std::string& password, ByteSink& si
     facts = next;
   }
   if (count > 0) sink.write(runText(first, count, facts));
+  sink.write(inventoryText(inventoryOf(source)));
 }
 
 void describeAsJson(const std::string& file, const std::string& password, ByteSink& sink) {
@@ -176,6 +217,7 @@ void describeAsJson(const std::string& file, const std::string& password, ByteSi
     writePageJson(json, page, factsOf(source.pages(), page));
   json.endArray();
   writeConformance(json, source);
+  writeInventoryJson(json, inventoryOf(source));
   endLine(json, sink);
 }
 

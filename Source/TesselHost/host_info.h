@@ -6,9 +6,10 @@
 
 namespace TesselHost {
 
-/// Tells a person what a file holds: version, claims to PDF/A and PDF/X, output intents, pages, and for each
-/// run of like pages boxes, visible size, rotation; of an encrypted one also how it is protected and what it
-/// allows. Throws SourceError when the file can't be used.
+/// Tells a person what a file holds: version, claims to PDF/A and PDF/X, output intents, pages, for each run
+/// of like pages boxes, visible size, rotation, and what there is of annotations, fields, layers and named
+/// destinations; of an encrypted one also how it is protected and what it allows. Throws SourceError when the
+/// file can't be used.
 /// @param password  ignored when none is needed
 void describe(const std::string& file, const std::string& password, ByteSink& sink);
 

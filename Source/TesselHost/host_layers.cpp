@@ -71,7 +71,9 @@ class SourceLayers {
     if (array.size() < 2 || array.front() != '[' || array.back() != ']') return {};
     return withReferences(array.substr(1, array.size() - 2), [&](const Identity& old) {
       if (const auto found = ids.find(old); found != ids.end()) return spacedReference(found->second);
-      const std::string inner = depth > 0 ? translatedElements(objects.valueOf(old), missing, depth - 1) : "";
+      const std::string inner = depth > 0 && inlined++ < mostInlined
+                                    ? translatedElements(objects.valueOf(old), missing, depth - 1)
+                                    : "";
       return inner.empty() ? missing : "[" + inner + "]";
     });
   }
@@ -81,8 +83,12 @@ class SourceLayers {
     return found == ids.end() ? nullptr : &found->second;
   }
 
+  // Far more than any document has; an enemy's arrays don't multiply.
+  static constexpr int mostInlined = 64;
+
   const SourceObjects& objects;
-  const NewIds& ids;  ///< the caller's
+  const NewIds& ids;        ///< the caller's
+  mutable int inlined = 0;  ///< arrays put in the place of references
   std::string properties;
   std::string defaults;
 };

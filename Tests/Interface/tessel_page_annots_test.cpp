@@ -298,4 +298,48 @@ TEST(Layers, BeforeOpeningThereAreNone) {
   EXPECT_THAT(shown, IsEmpty());
 }
 
+// Additions for hosts
+// ----------------------------------------------------------------------------------------------------------
+
+TEST(SourceObjects, StandAsInTheSource) {
+  const auto builder = withPage("/Annots 5 0 R")
+                           .object(5, "[6 0 R]")
+                           .object(6, "<</A 7 0 R/B(x)>>")
+                           .stream(7, "/K 6 0 R", "data");
+  const Probe page = harvested(builder);
+  EXPECT_EQ(page->getSourceObject({6, 0}), "<</A 7 0 R/B(x)>>\n");
+  EXPECT_EQ(page->getSourceObject({7, 0}), "<</K 6 0 R/Length 4>>\nstream\ndata\nendstream\n");
+  EXPECT_EQ(page->getSourceObject({99, 0}), "");
+  EXPECT_EQ(page->getRootObject(), Identity(1, 0));
+  EXPECT_EQ(page->getPageObject(2), Identity(4, 0));
+  for (const int none : {0, 3, -1}) EXPECT_EQ(page->getPageObject(none), Identity(0, 0));
+}
+
+TEST(HarvestAgain, GivesKnownObjectsNewNumbersAndTexts) {
+  const auto builder = withPage("/Annots[6 0 R]")
+                           .object(6, "<</Subtype/Text/Rect[1 2 3 4]/AP<</N 7 0 R>>>>")
+                           .stream(7, "/BBox[0 0 1 1]", "x");
+  const Probe page = harvested(builder);
+  EXPECT_EQ(texts(*page).count({100, 0}), 1U);
+  page->setPageCm(twice);
+  page->harvestAgain({{6, 0}});
+  page->setStartObjNo(200);
+  EXPECT_EQ(texts(*page).at({200, 0}), "<</Subtype/Text/Rect[102 204 106 208]/AP<</N 101 0 R>>>>\n");
+  EXPECT_EQ(texts(*page).count({201, 0}), 0U);
+  EXPECT_EQ(annotsOf(page), "  200 0 R ");
+}
+
+TEST(HarvestAgain, CountsOnceAndNotForObjectsThatNobodyMet) {
+  const auto builder = withPage("/Annots[6 0 R]").object(6, "<</Subtype/Text/Rect[1 2 3 4]>>");
+  const Probe page = harvested(builder);
+  page->harvestAgain({{77, 0}, {4, 0}});
+  page->setStartObjNo(200);
+  EXPECT_EQ(texts(*page).size(), 1U);
+  page->harvestAgain({{6, 0}});
+  page->setStartObjNo(300);
+  page->setStartObjNo(400);
+  EXPECT_THAT(texts(*page),
+              UnorderedElementsAre(Pair(Identity(100, 0), testing::_), Pair(Identity(300, 0), testing::_)));
+}
+
 }  // namespace

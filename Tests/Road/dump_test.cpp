@@ -144,9 +144,41 @@ TEST_F(Info, WritesALineOfJsonForEachFile) {
   const Outcome outcome = tessel({"info", "--json", "in.pdf", "in.pdf"});
   const std::string line =
       R"({"file":"in.pdf","version":"1.7","encryption":null,"pageCount":1,"pages":[{"page":1,"size":[20,10],"rotate":0,"boxes":)"
-      R"({"media":[0,0,20,10],"crop":[0,0,20,10],"bleed":[0,0,20,10],"trim":[0,0,20,10],"art":[0,0,20,10]}}],"tagged":false,"claims":[],"outputIntents":[]})"
+      R"({"media":[0,0,20,10],"crop":[0,0,20,10],"bleed":[0,0,20,10],"trim":[0,0,20,10],"art":[0,0,20,10]}}],"tagged":false,"claims":[],"outputIntents":[],)"
+      R"("annotations":{},"fields":{},"layers":[],"destinations":[]})"
       "\n";
   EXPECT_EQ(outcome.out, line + line);
+}
+
+TEST_F(Info, CountsWhatThereIsBesidesPages) {
+  file("in.pdf",
+       pdf()
+           .onePage("/MediaBox[0 0 20 10]/Annots[10 0 R 11 0 R<</Subtype/Link>>]",
+                    "/AcroForm<</Fields[20 0 R 21 0 R]>>/Names<</Dests 30 0 R>>/Dests<</old[3 0 R/Fit]>>"
+                    "/OCProperties<</OCGs[40 0 R 41 0 R 42 0 R]/D<</BaseState/OFF/ON[41 0 R]>>>>")
+           .object(10, "<</Subtype/Link>>")
+           .object(11, "<</Subtype/Text>>")
+           .object(20, "<</T(a)/FT/Ch/Kids[22 0 R 23 0 R 20 0 R]>>")
+           .object(21, "<</T(b)/FT/Tx/Kids[24 0 R]>>")
+           .object(22, "<</T(x)/Ff 131072>>")
+           .object(23, "<</T(y)/FT/Sig>>")
+           .object(24, "<</Subtype/Widget>>")
+           .object(30, "<</Kids[31 0 R 32 0 R 30 0 R]>>")
+           .object(31, "<</Names[(one) 3 0 R(two) 3 0 R]>>")
+           .object(32, "<</Names[<E4> 3 0 R]>>")
+           .object(40, "<</Name(Off)>>")
+           .object(41, "<</Name(On)>>")
+           .object(42, "<</Name<FEFF00E4>>>")
+           .build());
+  EXPECT_THAT(tessel({"info", "in.pdf"}).out, HasSubstr("  annotations: 2 Link, 1 Text\n"
+                                                        "  form fields: 1 combo, 1 signature, 1 text\n"
+                                                        "  layers: 3, 2 of them off\n"
+                                                        "  named destinations: 4\n"));
+  EXPECT_THAT(tessel({"info", "--json", "in.pdf"}).out,
+              HasSubstr(R"("annotations":{"Link":2,"Text":1},"fields":{"combo":1,"signature":1,"text":1},)"
+                        R"("layers":[{"name":"Off","shown":false},{"name":"On","shown":true},)"
+                        "{\"name\":\"\xC3\xA4\",\"shown\":false}],"
+                        "\"destinations\":[\"old\",\"one\",\"two\",\"\xC3\xA4\"]}"));
 }
 
 TEST_F(Info, GoesOnBehindABadFile) {

@@ -54,7 +54,8 @@ struct InfoCommand {
 
 void addInfo(CLI::App& program, Job& job) {
   CLI::App* command = program.add_subcommand(
-      "info", "Tell version, protection, claims, output intents, pages, boxes, sizes and rotations");
+      "info",
+      "Tell version, protection, claims, output intents, pages, annotations, fields, layers and names");
   const auto info = std::make_shared<InfoCommand>();
   command->add_option("files", info->files, "PDF files")->type_name("FILE")->required();
   command->add_flag("--json", info->json, "One line of JSON for each file");
