@@ -308,7 +308,7 @@ TEST(SourceObjects, StandAsInTheSource) {
                            .stream(7, "/K 6 0 R", "data");
   const Probe page = harvested(builder);
   EXPECT_EQ(page->getSourceObject({6, 0}), "<</A 7 0 R/B(x)>>\n");
-  EXPECT_EQ(page->getSourceObject({7, 0}), "<</K 6 0 R/Length 4>>\nstream\ndata\nendstream\n");
+  EXPECT_EQ(page->getSourceObject({7, 0}), "<</Length 4 /K 6 0 R>>\nstream\r\ndata\nendstream\n");
   EXPECT_EQ(page->getSourceObject({99, 0}), "");
   EXPECT_EQ(page->getRootObject(), Identity(1, 0));
   EXPECT_EQ(page->getPageObject(2), Identity(4, 0));
@@ -322,6 +322,7 @@ TEST(HarvestAgain, GivesKnownObjectsNewNumbersAndTexts) {
   const Probe page = harvested(builder);
   EXPECT_EQ(texts(*page).count({100, 0}), 1U);
   page->setPageCm(twice);
+  page->setOld2NewObjectVector(page->getNewObjectPairs());
   page->harvestAgain({{6, 0}});
   page->setStartObjNo(200);
   EXPECT_EQ(texts(*page).at({200, 0}), "<</Subtype/Text/Rect[102 204 106 208]/AP<</N 101 0 R>>>>\n");
