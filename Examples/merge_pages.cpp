@@ -31,12 +31,11 @@ std::string valueBehind(const std::string& text, const std::string& key) {
   const std::size_t place = text.find(key);
   if (place == std::string::npos) return {};
   const std::size_t begin = place + key.size();
-  int depth = 0;
+  int depth = 0;  // both bytes of a dictionary's bracket count
   for (std::size_t at = begin; at < text.size(); ++at) {
     if (depth == 0 && (text[at] == '/' || text[at] == '>')) return text.substr(begin, at - begin);
     if (text[at] == '[' || text[at] == '<') ++depth;
     if (text[at] != ']' && text[at] != '>') continue;
-    // The next turn closes the second byte of a dictionary's end.
     if (--depth == 0) return text.substr(begin, at + 1 - begin);
   }
   return {};
