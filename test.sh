@@ -85,6 +85,17 @@ corpus() {
   python3 Tests/Corpus/corpus_run.py encrypted --corpus "$corpus_dir" --tool build/asan/tessel
   python3 Tests/Corpus/corpus_run.py render --corpus "$corpus_dir" --tool build/release/tessel \
     --compare build/release/bin/raster_compare
+  build_examples
+  python3 Tests/Corpus/corpus_run.py merge --corpus "$corpus_dir" --tool build/examples/merge_pages \
+    --compare build/release/bin/raster_compare --every 8
+}
+
+# As a user builds them: against what is installed.
+build_examples() {
+  rm -rf build/installed build/examples
+  cmake --install build/release --prefix build/installed >/dev/null
+  cmake -S Examples -B build/examples -G Ninja -DCMAKE_PREFIX_PATH="$PWD/build/installed" >/dev/null
+  cmake --build build/examples
 }
 
 stage "packages" packages
