@@ -27,7 +27,7 @@ class Dumper {
         start(someOptions.start) {}
 
   Opening open() {
-    const Opening opening = openReader(reader, options.password);
+    Opening opening = openReader(reader, options.password);
     const int result = opening.result;
     json.beginObject().key("init").value(result).key("pages");
     json.value(result == Result::success ? reader.getPageCount() : 0).key("root");
@@ -141,7 +141,7 @@ class Dumper {
 
 Opening dump(const DumpOptions& options, ByteSink& sink, Observer& observer) {
   Dumper dumper(options, sink);
-  const Opening opening = dumper.open();
+  Opening opening = dumper.open();
   if (opening.result != Result::success) return opening;
   const std::vector<int> pages = dumper.pages();
   int done = 0;

@@ -115,7 +115,7 @@ std::string FormMaker::resourcesOf(Source& source, int page, int formNumber, std
   // elsewhere, and only asked with a number it looks into those of the page's ancestors.
   const std::string_view own = valueOfKey(dictionary, "/Resources");
   if (isDictionary(own) || isWrittenReference(own, source.pages())) return std::string(own);
-  const std::string indirect = askForResources(source, page, 0);
+  std::string indirect = askForResources(source, page, 0);
   if (!isBlankDictionary(indirect)) return indirect;
   std::string inherited = askForResources(source, page, formNumber);
   // Asked with a number the library encrypts for it; the writer wants plain text.

@@ -59,7 +59,7 @@ std::string FormFields::write() {
     body += "/DR<<";
     for (const auto& [category, entries] : resources) {
       body += category + "<<";
-      for (const auto& [key, value] : entries) body += key + " " + value;
+      for (const auto& [key, value] : entries) body.append(key).append(" ").append(value);
       body += ">>";
     }
     body += ">>";
@@ -120,7 +120,7 @@ std::string SourceFields::inheritedEntries(const Identity& root, int number) con
 
 /// What a field that stood at the top of its form needs in the output's.
 std::string SourceFields::entriesOfRoot(const Identity& root, int number, std::size_t copy) {
-  const std::string inherited = inheritedEntries(root, number);
+  std::string inherited = inheritedEntries(root, number);
   if (copy > 0 || isNameTaken(root)) return inherited + parentEntry(copy, number);
   atTop.emplace(root, number);
   return inherited;
