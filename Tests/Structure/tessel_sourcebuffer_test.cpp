@@ -171,6 +171,24 @@ TEST(SourceStream, APipeIsReadToItsEnd) {
   EXPECT_EQ(word, "end");
 }
 
+TEST(SourceStream, WhatWasLetGoIsThereWhenItIsLookedAtAgain) {
+  const std::string bytes = "one two" + std::string(100000, 'x');
+  for (const bool mapped : {true, false}) {
+    SourceStream file(writeFile("released", bytes).c_str());
+    SpanBuffer memory(bytes);
+    std::istream in(mapped ? file.rdbuf() : &memory);
+    std::string word;
+    in >> word;
+    bool found = false;
+    const std::string_view text = TESSEL::spanOf(in.rdbuf(), found);
+    TESSEL::releaseMapped(in.rdbuf());
+    EXPECT_EQ(text, bytes);
+    in >> word;
+    EXPECT_EQ(word, bytes.substr(4));
+  }
+  TESSEL::releaseMapped(nullptr);
+}
+
 TEST(SpanOf, FindsTheTextOfItsOwnBuffersOnly) {
   bool found = false;
   SpanBuffer buffer("abc");

@@ -13,6 +13,9 @@ namespace TESSEL {
 
 namespace {
 
+/// How many pages may be selected until the memory behind a mapped source is let go.
+constexpr unsigned pagesBetweenReleases = 128;
+
 /// Runs `step`, which gives a result, and turns exceptions into results.
 template <class Step>
 int asResult(Step&& step) {
@@ -86,6 +89,8 @@ int CTesselPage::setPageNo(int pageNo) {
   page.selectorB = state->pageStringB;
   page.selectorC = state->pageStringC;
   source.clear();  // whatever a getter of the former page has run into
+  // A large file would otherwise stay in memory whole, page after page.
+  if (index % pagesBetweenReleases == 0) releaseMapped(source.rdbuf());
   try {
     page.fromStream(source);
     state->pageString = page.pageGroup;

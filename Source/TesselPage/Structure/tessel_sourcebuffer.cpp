@@ -74,6 +74,10 @@ bool SourceBuffer::open(const char* path) {
   return opened;
 }
 
+void SourceBuffer::release() {
+  if (mapping) madvise(mapping, mappedBytes, MADV_DONTNEED);
+}
+
 bool SourceBuffer::load(int file) {
   struct stat status {};
   if (fstat(file, &status) != 0) return false;
@@ -112,6 +116,10 @@ std::string_view spanOf(std::streambuf* buffer, bool& found) {
   const auto* span = dynamic_cast<const SpanBuffer*>(buffer);
   found = span != nullptr;
   return found ? span->text() : std::string_view();
+}
+
+void releaseMapped(std::streambuf* buffer) {
+  if (auto* const mapped = dynamic_cast<SourceBuffer*>(buffer)) mapped->release();
 }
 
 }  // namespace TESSEL

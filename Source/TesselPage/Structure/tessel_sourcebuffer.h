@@ -50,6 +50,9 @@ class SourceBuffer : public SpanBuffer {
   /// Requires: not open yet. False when the file can't be opened or read; the buffer is then empty.
   bool open(const char* path);
   bool isOpen() const { return opened; }
+  /// Lets go of the memory behind a mapping. The bytes stay where they are, and come back when they are
+  /// looked at.
+  void release();
 
  private:
   bool load(int file);
@@ -73,5 +76,8 @@ class SourceStream : public std::istream {
 
 /// The text that may be looked at in place, when `buffer` is of that kind; else empty, with `found` false.
 std::string_view spanOf(std::streambuf* buffer, bool& found);
+
+/// SourceBuffer::release, when `buffer` is of that kind.
+void releaseMapped(std::streambuf* buffer);
 
 }  // namespace TESSEL
