@@ -114,13 +114,15 @@ def form_document(path, count):
 def commands(job, file, out, tools):
     """{who: command} of one job; ours first."""
     tessel, bench = tools["tessel"], tools["bench"]
+    place = [tessel, "nup", file, "-o", out, "--quiet"]
+    # The rivals place what a page paints; only the job "keep" takes more along.
+    painted = ["--annotations", "none", "--forms", "none"]
     ours = {
         "open": [bench, "open", file],
         "boxes": [bench, "boxes", file],
-        "middle": [tessel, "nup", file, "-o", out, "--grid", "1x1", "--paper", "auto", "--quiet",
-                   "--pages", str(tools["pages"] // 2 + 1)],
-        "nup": [tessel, "nup", file, "-o", out, "--grid", "2x1", "--paper", "A4", "--quiet"],
-        "keep": [tessel, "nup", file, "-o", out, "--grid", "2x1", "--paper", "A4", "--quiet"],
+        "middle": place + painted + ["--grid", "1x1", "--paper", "auto", "--pages", str(tools["pages"] // 2 + 1)],
+        "nup": place + painted + ["--grid", "2x1", "--paper", "A4"],
+        "keep": place + ["--grid", "2x1", "--paper", "A4"],
     }
     ours["opened"] = ours["nup"] + ["--password", PASSWORD]
     ours["sealed"] = ours["opened"] + ["--encrypt", "aes-256", "--user-password", PASSWORD]
