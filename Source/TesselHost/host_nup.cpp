@@ -232,6 +232,9 @@ void refuseOverwriting(const NupOptions& options) {
   for (const std::string& input : options.inputs)
     if (isSameFile(input, options.output))
       throw UsageError(fmt::format("{}: the output would overwrite this input", input));
+  const IntentChoice& intent = options.outputIntent;
+  if (intent.kind == IntentChoice::Kind::profile && isSameFile(intent.file, options.output))
+    throw UsageError(fmt::format("{}: the output would overwrite this profile", intent.file));
 }
 
 void fillSheets(std::vector<Input>& inputs, PagePlacer& placer, SheetFiller& filler, Observer& observer) {

@@ -130,6 +130,20 @@ TEST_F(OutputIntents, StayAwayWhenNotWanted) {
   EXPECT_EQ(told(), "  not tagged\n");
 }
 
+TEST_F(OutputIntents, AndInputsAreNotOverwritten) {
+  const std::string source = withIntent().build();
+  file("out.pdf", source);
+  EXPECT_EQ(nup({"out.pdf"}).err, "tessel: out.pdf: the output would overwrite this input\n");
+  EXPECT_EQ(nup({"./out.pdf"}).status, 2);
+  EXPECT_EQ(contentOf("out.pdf"), source);
+  file("in.pdf", source);
+  file("out.pdf", rgb);
+  const Outcome outcome = nup({"in.pdf"}, {"--output-intent", "out.pdf"});
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err, "tessel: out.pdf: the output would overwrite this profile\n");
+  EXPECT_EQ(contentOf("out.pdf"), rgb);
+}
+
 TEST_F(OutputIntents, ThatDifferAreWarnedOfAndLeftOut) {
   file("a.pdf", pdfa("2", "B"));
   file("b.pdf", pdfa("2", "B", profile("RGB ", "other")));
