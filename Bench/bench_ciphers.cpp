@@ -12,6 +12,7 @@
 #include "PDFEncryption/rijndael.h"
 #include "PDFEncryption/rijndael_blocks.h"
 #include "PDFEncryption/sha256_blocks.h"
+#include "PDFEncryption/sha512_blocks.h"
 
 namespace {
 
@@ -64,10 +65,21 @@ void reportAesPaths() {
   }
 }
 
-void reportSha256(const char* name, sha256::BlockPath path) {
+/// The state is of words that are as wide as the path has them.
+template <class Word>
+void reportSha(const char* name, void (*path)(Word*, const unsigned char*, std::size_t),
+               std::size_t blockSize) {
   const Bytes data(dataSize, 1);
-  long hash[8] = {};
-  report(name, [&] { path(hash, data.data(), dataSize / sha256::blockSize); });
+  Word hash[8] = {};
+  report(name, [&] { path(hash, data.data(), dataSize / blockSize); });
+}
+
+void reportShaPaths() {
+  reportSha("sha-256, portable", sha256::portableBlocks, sha256::blockSize);
+  if (const auto path = sha256::instructionPath())
+    reportSha("sha-256, instructions", path, sha256::blockSize);
+  reportSha("sha-512, portable", sha512::portableBlocks, sha512::blockSize);
+  if (const auto path = sha512::vectorPath()) reportSha("sha-512, vectors", path, sha512::blockSize);
 }
 
 void reportOthers() {
@@ -78,17 +90,13 @@ void reportOthers() {
   PDFEncryptionMD5::MD5_CTX md5State;
   md5.MD5Init(&md5State);
   report("md5", [&] { md5.MD5Update(&md5State, data.data(), dataSize); });
-  reportSha256("sha-256, portable", sha256::portableBlocks);
-  if (const sha256::BlockPath path = sha256::instructionPath()) reportSha256("sha-256, instructions", path);
-  SHA512_CTX sha512State;
-  SHA512Init(&sha512State);
-  report("sha-512", [&] { SHA512Update(&sha512State, data.data(), static_cast<int>(dataSize)); });
 }
 
 }  // namespace
 
 int main() {
   reportAesPaths();
+  reportShaPaths();
   reportOthers();
   return 0;
 }

@@ -35,6 +35,8 @@ bool hasSha() {
   return has(leaf(featureLeaf).ecx, ssse3Bit | sse41Bit) && has(leaf(extendedLeaf).ebx, shaBit);
 }
 
+bool hasWideVectors() { return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi2") != 0; }
+
 }  // namespace pcrypt::processor
 
 #else
@@ -43,6 +45,7 @@ namespace pcrypt::processor {
 
 bool hasAes() { return false; }
 bool hasSha() { return false; }
+bool hasWideVectors() { return false; }
 
 }  // namespace pcrypt::processor
 

@@ -93,20 +93,41 @@ inline void expand(Word* schedule) {
   }
 }
 
-/// Works an expanded block into the eight words of the hash.
+/// One round of 6.2.2 and 6.4.2. Only `d` and `h` get new values: the letters move on by the order in which
+/// the caller names them.
 template <class Word>
-inline void compress(Word* hash, const Word* schedule) {
+[[gnu::always_inline]] inline void round(Word a, Word b, Word c, Word& d, Word e, Word f, Word g, Word& h,
+                                         Word input) {
   using F = Functions<Word>;
+  const Word t1 = h + input + bigSigma(e, F::bigSigma1) + (g ^ (e & (f ^ g)));
+  d += t1;
+  h = t1 + bigSigma(a, F::bigSigma0) + ((a & b) | (c & (a | b)));
+}
+
+/// Works a block into the eight words of the hash. `input(t)` is the schedule's word and the constant of
+/// round t, added.
+template <class Word, class Input>
+[[gnu::always_inline]] inline void runRounds(Word* hash, Input input) {
   Word a = hash[0], b = hash[1], c = hash[2], d = hash[3];
   Word e = hash[4], f = hash[5], g = hash[6], h = hash[7];
-  for (std::size_t t = 0; t < F::rounds; ++t) {
-    const Word t1 = h + bigSigma(e, F::bigSigma1) + (g ^ (e & (f ^ g))) + constants<Word>[t] + schedule[t];
-    const Word t2 = bigSigma(a, F::bigSigma0) + ((a & b) | (c & (a | b)));
-    h = g, g = f, f = e, e = d + t1;
-    d = c, c = b, b = a, a = t1 + t2;
+  for (std::size_t t = 0; t < Functions<Word>::rounds; t += 8) {
+    round(a, b, c, d, e, f, g, h, input(t));
+    round(h, a, b, c, d, e, f, g, input(t + 1));
+    round(g, h, a, b, c, d, e, f, input(t + 2));
+    round(f, g, h, a, b, c, d, e, input(t + 3));
+    round(e, f, g, h, a, b, c, d, input(t + 4));
+    round(d, e, f, g, h, a, b, c, input(t + 5));
+    round(c, d, e, f, g, h, a, b, input(t + 6));
+    round(b, c, d, e, f, g, h, a, input(t + 7));
   }
   hash[0] += a, hash[1] += b, hash[2] += c, hash[3] += d;
   hash[4] += e, hash[5] += f, hash[6] += g, hash[7] += h;
+}
+
+/// The same with a schedule that `expand` has filled.
+template <class Word>
+inline void compress(Word* hash, const Word* schedule) {
+  runRounds(hash, [schedule](std::size_t t) { return schedule[t] + constants<Word>[t]; });
 }
 
 }  // namespace pcrypt::sha2

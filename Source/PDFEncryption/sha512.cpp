@@ -4,13 +4,30 @@
 #include "PDFEncryption/bytes.h"
 #include "PDFEncryption/hashes.h"
 #include "PDFEncryption/sha2_core.h"
+#include "PDFEncryption/sha512_blocks.h"
 
 namespace pcrypt {
+namespace sha512 {
+
+void portableBlocks(std::uint64_t* hash, const unsigned char* data, std::size_t blocks) {
+  std::uint64_t schedule[rounds];
+  for (; blocks != 0; --blocks, data += blockSize) {
+    for (std::size_t i = 0; i < wordsInBlock; ++i) schedule[i] = bytes::loadBig64(data + wordSize * i);
+    sha2::expand(schedule);
+    sha2::compress(hash, schedule);
+  }
+}
+
+BlockPath bestPath() {
+  static const BlockPath best = vectorPath() != nullptr ? vectorPath() : portableBlocks;
+  return best;
+}
+
+}  // namespace sha512
+
 namespace {
 
-using Word = std::uint64_t;
-constexpr std::size_t wordSize = sizeof(Word);
-constexpr std::size_t blockSize = 128;
+using sha512::blockSize, sha512::wordSize;
 constexpr std::size_t countSize = 16;
 constexpr std::size_t wordsOf384 = 6;
 constexpr std::size_t wordsOf512 = 8;
@@ -18,16 +35,6 @@ constexpr std::size_t wordsOf512 = 8;
 void begin(SHA512_CTX& c, const std::uint64_t* initialHash) {
   c = {};
   std::copy_n(initialHash, std::size(c.state), c.state);
-}
-
-void work(SHA512_CTX& c, const unsigned char* data, std::size_t blocks) {
-  Word schedule[sha2::Functions<Word>::rounds];
-  for (; blocks != 0; --blocks, data += blockSize) {
-    for (std::size_t i = 0; i < blockSize / wordSize; ++i)
-      schedule[i] = bytes::loadBig64(data + wordSize * i);
-    sha2::expand(schedule);
-    sha2::compress(c.state, schedule);
-  }
 }
 
 void add(SHA512_CTX& c, const unsigned char* data, std::size_t length) {
@@ -38,9 +45,9 @@ void add(SHA512_CTX& c, const unsigned char* data, std::size_t length) {
     data += taken;
     length -= taken;
     c.fill = static_cast<int>((fill + taken) % blockSize);
-    if (fill + taken == blockSize) work(c, c.buffer, 1);
+    if (fill + taken == blockSize) sha512::bestPath()(c.state, c.buffer, 1);
   }
-  work(c, data, length / blockSize);
+  sha512::bestPath()(c.state, data, length / blockSize);
   const std::size_t left = length % blockSize;
   if (left == 0) return;
   std::memcpy(c.buffer, data + length - left, left);

@@ -87,15 +87,20 @@ std::string ownerPasswordOf(const ProtectionOptions& options) {
   return options.ownerPassword.empty() ? hexString(randomBytes(drawnPasswordBytes)) : options.ownerPassword;
 }
 
-/// The order of the steps depends on the revision: each takes up what the one before left.
-void makeEntries(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo& info) {
+/// The key. Up to revision 4 it is made of the owner's entry, from revision 5 on of chance alone.
+void makeKey(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo& info) {
   const pcrypt::PDFEncryptionManager manager;
-  const bool sealed = info.R >= firstLongRevision;
-  if (!sealed) manager.calculateOKey(option, info);
+  if (info.R < firstLongRevision) manager.calculateOKey(option, info);
   manager.createKey(info, option.userPassword);
+}
+
+/// The entries by which readers get to the key. From revision 5 on the owner's is made of the user's.
+pcrypt::EncryptInfo withEntries(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo info) {
+  const pcrypt::PDFEncryptionManager manager;
   manager.calculateUKey(option, info);
-  if (sealed) manager.calculateOKey(option, info);
+  if (info.R >= firstLongRevision) manager.calculateOKey(option, info);
   manager.calculatePerms(option, info);
+  return info;
 }
 
 }  // namespace
@@ -126,7 +131,9 @@ OutputProtection::OutputProtection(const ProtectionOptions& options, std::string
   info.encryptMetadata = option.encryptMetadata;
   info.fileIdentifier = std::move(fileIdentifier);
   keyRevision = scheme.keyRevision;
-  makeEntries(option, info);
+  makeKey(option, info);
+  // The hashes of revision 6 are slow on purpose, and nobody asks for them before the output's end.
+  entries = std::async(std::launch::async | std::launch::deferred, withEntries, option, info).share();
 }
 
 void OutputProtection::giveKeyTo(TESSEL::CTesselPage& source) const {
@@ -137,14 +144,15 @@ void OutputProtection::giveKeyTo(TESSEL::CTesselPage& source) const {
 PdfVersion OutputProtection::version() const { return schemeOf(info).least; }
 
 std::string OutputProtection::dictionary() const {
-  std::string text = fmt::format("<</Filter/Standard/V {}/R {}/Length {}/P {}/O{}/U{}", info.V, info.R,
-                                 info.keyLength, info.permissions, hexString(info.O), hexString(info.U));
-  if (info.R >= firstLongRevision)
-    text += fmt::format("/OE{}/UE{}/Perms{}", hexString(info.OE), hexString(info.UE), hexString(info.Perms));
-  if (const std::string_view method = schemeOf(info).filterMethod; !method.empty())
+  const pcrypt::EncryptInfo& all = entries.get();
+  std::string text = fmt::format("<</Filter/Standard/V {}/R {}/Length {}/P {}/O{}/U{}", all.V, all.R,
+                                 all.keyLength, all.permissions, hexString(all.O), hexString(all.U));
+  if (all.R >= firstLongRevision)
+    text += fmt::format("/OE{}/UE{}/Perms{}", hexString(all.OE), hexString(all.UE), hexString(all.Perms));
+  if (const std::string_view method = schemeOf(all).filterMethod; !method.empty())
     text += fmt::format("/CF<</StdCF<</CFM{}/AuthEvent/DocOpen/Length {}>>>>/StmF/StdCF/StrF/StdCF", method,
-                        info.keyLength / bitsPerByte);
-  if (!info.encryptMetadata) text += "/EncryptMetadata false";
+                        all.keyLength / bitsPerByte);
+  if (!all.encryptMetadata) text += "/EncryptMetadata false";
   return text + ">>";
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <future>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -55,8 +56,9 @@ class OutputProtection {
  private:
   std::string keyOf(int number) const;
 
-  pcrypt::EncryptInfo info;
-  int keyRevision = 0;  ///< as the library takes it
+  pcrypt::EncryptInfo info;                         ///< with the key, and not yet all entries
+  std::shared_future<pcrypt::EncryptInfo> entries;  ///< the same with all entries
+  int keyRevision = 0;                              ///< as the library takes it
 };
 
 /// A file identifier that nothing can be told from, 16 bytes. Throws OutputError when the system gives none.

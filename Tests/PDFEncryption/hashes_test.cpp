@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "PDFEncryption/sha256_blocks.h"
+#include "PDFEncryption/sha512_blocks.h"
 #include "Tests/PDFEncryption/bytes_in_tests.h"
 
 namespace {
@@ -291,6 +292,66 @@ TEST_P(Sha256Path, EqualsOpensslOnRandomMessages) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Suite, Sha256Path, testing::ValuesIn(shaPaths()),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+// The paths of SHA-512 likewise.
+
+struct Sha512PathOf {
+  const char* name;
+  sha512::BlockPath path;
+};
+
+/// The portable one, and the vectors where the processor has them.
+std::vector<Sha512PathOf> sha512Paths() {
+  std::vector<Sha512PathOf> all{{"portable", sha512::portableBlocks}};
+  if (const sha512::BlockPath vectors = sha512::vectorPath()) all.push_back({"vectors", vectors});
+  return all;
+}
+
+class Sha512Path : public testing::TestWithParam<Sha512PathOf> {
+ protected:
+  std::string digest(std::string message) const {
+    const std::size_t bits = 8 * message.size();
+    message += '\x80';
+    while (message.size() % 128 != 112) message += '\0';
+    message.append(8, '\0');  // the upper half of the count
+    for (int shift = 56; shift >= 0; shift -= 8) message += static_cast<char>(bits >> shift);
+    std::uint64_t hash[8] = {0x6a09e667f3bcc908, 0xbb67ae8584caa73b, 0x3c6ef372fe94f82b, 0xa54ff53a5f1d36f1,
+                             0x510e527fade682d1, 0x9b05688c2b3e6c1f, 0x1f83d9abfb41bd6b, 0x5be0cd19137e2179};
+    GetParam().path(hash, raw::at(message), message.size() / 128);
+    std::string result;
+    for (const std::uint64_t word : hash) {
+      for (int shift = 56; shift >= 0; shift -= 8) result += static_cast<char>(word >> shift);
+    }
+    return toHex(result);
+  }
+};
+
+TEST_P(Sha512Path, Fips180) {
+  EXPECT_EQ(digest("abc"),
+            "ddaf35a193617abacc417349ae20413112e6fa4e89a97ea20a9eeee64b55d39a"
+            "2192992a274fc1a836ba3c23a3feebbd454d4423643ce80e2a9ac94fa54ca49f");
+  EXPECT_EQ(digest(millionA),
+            "e718483d0ce769644e2e42c7bc15b4638e1f98b13b2044285632a803afa973eb"
+            "de0ff244877ea60a4cb0432ce577c31beb009c5c2c49aa2e4eadb217ad8cc09b");
+}
+
+TEST_P(Sha512Path, EqualsOpensslOnRandomMessages) {
+  for (const std::size_t length : lengths) {
+    const std::string message = raw::random(length, static_cast<unsigned int>(length));
+    EXPECT_EQ(digest(message), toHex(openssl("dgst -sha512 -binary", message))) << length;
+  }
+}
+
+/// Four blocks go side by side, and 0 to 3 are left over.
+TEST_P(Sha512Path, EqualsOpensslForEachNumberOfBlocks) {
+  for (std::size_t blocks = 1; blocks <= 9; ++blocks) {
+    const std::string message = raw::random(128 * blocks - 17, static_cast<unsigned int>(blocks));
+    EXPECT_EQ(digest(message), toHex(openssl("dgst -sha512 -binary", message))) << blocks;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Suite, Sha512Path, testing::ValuesIn(sha512Paths()),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 // Against the judgement of another.
