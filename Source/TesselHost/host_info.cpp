@@ -112,10 +112,6 @@ void writePageJson(JsonWriter& json, int page, const PageFacts& facts) {
   json.endObject().endObject();
 }
 
-std::string headerVersion(const Source& source) {
-  return PdfVersion::parse(source.pages().getHeaderVersion()).text();
-}
-
 std::string accessText(const Access& access) {
   std::string allowed;
   for (const std::string& word : access.permissions().words(access.revision()))
@@ -189,7 +185,7 @@ void describe(const std::string& file, const std::string& password, ByteSink& si
   const Source source(file, password);
   const int count = source.pageCount();
   sink.write(
-      fmt::format("{}: PDF {}, {} page{}\n", file, headerVersion(source), count, count == 1 ? "" : "s"));
+      fmt::format("{}: PDF {}, {} page{}\n", file, source.version().text(), count, count == 1 ? "" : "s"));
   if (const Access access = source.access(); access.encrypted()) sink.write(accessText(access));
   sink.write(conformanceText(source));
   int first = 1;
@@ -209,7 +205,7 @@ void describe(const std::string& file, const std::string& password, ByteSink& si
 void describeAsJson(const std::string& file, const std::string& password, ByteSink& sink) {
   const Source source(file, password);
   JsonWriter json;
-  json.beginObject().key("file").value(file).key("version").value(headerVersion(source));
+  json.beginObject().key("file").value(file).key("version").value(source.version().text());
   json.key("encryption");
   writeAccessJson(json, source.access());
   json.key("pageCount").value(source.pageCount()).key("pages").beginArray();

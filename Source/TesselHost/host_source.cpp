@@ -66,9 +66,9 @@ Source::Source(const std::string& path, const std::string& password, Form form)
 }
 
 PdfVersion Source::version() const {
-  const std::string catalog = reader->getRootString(0);
-  return std::max(PdfVersion::parse(reader->getHeaderVersion()),
-                  PdfVersion::parse(valueOfKey(catalog, "/Version")));
+  const PdfVersion header = PdfVersion::parse(reader->getHeaderVersion());
+  const PdfVersion catalog = PdfVersion::parse(valueOfKey(reader->getRootString(0), "/Version"));
+  return catalog.exists() ? std::max(header, catalog) : header;
 }
 
 std::optional<PageGeometry> Source::geometryOf(int page) const {

@@ -33,7 +33,7 @@ class Source {
   int pageCount() const { return reader->getPageCount(); }
   /// Who has opened it.
   Access access() const { return Access(*reader); }
-  /// The higher one of the header's version and the catalog's /Version.
+  /// The higher one of the header's version and the catalog's /Version, where that is a version of PDF.
   PdfVersion version() const;
   /// Geometry of any page, counted from 1, selected or not; nothing when the page has no usable size.
   std::optional<PageGeometry> geometryOf(int page) const;

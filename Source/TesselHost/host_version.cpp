@@ -18,6 +18,11 @@ PdfVersion PdfVersion::parse(std::string_view text) {
   return minor.ec == std::errc() && minor.ptr != major.ptr + 1 ? version : PdfVersion{};
 }
 
+bool PdfVersion::exists() const {
+  constexpr int lastOfOne = 7;
+  return major == 1 ? minor >= 0 && minor <= lastOfOne : major == 2 && minor == 0;
+}
+
 std::string PdfVersion::text() const { return fmt::format("{}.{}", major, minor); }
 
 }  // namespace TesselHost

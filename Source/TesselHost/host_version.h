@@ -14,6 +14,8 @@ struct PdfVersion {
   /// The version of a text like "%PDF-1.7" or "/1.7"; 1.0 when the text tells none.
   static PdfVersion parse(std::string_view text);
   std::string text() const;
+  /// Whether there is such a version: 1.0 to 1.7, and 2.0.
+  bool exists() const;
   // clang-tidy 14 takes the zero that a comparison is made of for a pointer.
   friend auto operator<=>(const PdfVersion&, const PdfVersion&) = default;  // NOLINT(modernize-use-nullptr)
 };

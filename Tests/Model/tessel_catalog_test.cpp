@@ -182,6 +182,17 @@ TEST(MarkInfo, MayBeAReferenceAndTheCatalogGoesOnBehindIt) {
   EXPECT_EQ(source->catalogObj->metadata, SObj(8, 0));
 }
 
+TEST(MarkInfo, FollowsAChainOfReferencesAndAClosedOneIsNone) {
+  const Source chain =
+      pdf().onePage("", "/MarkInfo 9 0 R").object(9, "10 0 R").object(10, "<</Marked true>>").open();
+  EXPECT_TRUE(chain->catalogObj->markInfo.marked);
+
+  const Source closed =
+      pdf().onePage("", "/MarkInfo 9 0 R/Metadata 8 0 R").object(9, "10 0 R").object(10, "9 0 R").open();
+  EXPECT_FALSE(closed->catalogObj->markInfo.marked);
+  EXPECT_EQ(closed->catalogObj->metadata, SObj(8, 0));
+}
+
 TEST(MarkInfo, MissingObjectDoesNotStopTheCatalog) {
   const Source source = withCatalog("/MarkInfo 99 0 R/Metadata 8 0 R");
   EXPECT_EQ(source.result, 0);

@@ -51,6 +51,18 @@ std::string pdfa(const std::string& part, const std::string& level, const std::s
 
 class ConformanceInfo : public RoadTest {};
 
+TEST_F(ConformanceInfo, TellsTheLaterVersionOfHeaderAndCatalog) {
+  file("in.pdf", pdf().header("%PDF-1.3").onePage("", "/Version/1.6").build());
+  EXPECT_THAT(tessel({"info", "in.pdf"}).out, HasSubstr("in.pdf: PDF 1.6, 1 page\n"));
+}
+
+TEST_F(ConformanceInfo, AVersionThatDoesNotExistIsNeitherToldNorWritten) {
+  file("in.pdf", pdf().header("%PDF-1.5").onePage("/MediaBox[0 0 20 10]", "/Version/1.9").build());
+  EXPECT_THAT(tessel({"info", "in.pdf"}).out, HasSubstr("in.pdf: PDF 1.5, 1 page\n"));
+  EXPECT_EQ(tessel({"nup", "in.pdf", "-o", "out.pdf", "--grid", "1x1"}).status, 0);
+  EXPECT_THAT(tessel({"info", "out.pdf"}).out, HasSubstr("out.pdf: PDF 1.5, 1 page\n"));
+}
+
 TEST_F(ConformanceInfo, TellsClaimsTagsAndOutputIntents) {
   file("in.pdf", pdfa("2", "U", rgb, "/MarkInfo<</Marked true>>"));
   EXPECT_THAT(tessel({"info", "in.pdf"}).out,

@@ -16,6 +16,13 @@ TEST(Version, IsTheOldestWhenNoneIsTold) {
     EXPECT_EQ(PdfVersion::parse(text), (PdfVersion{1, 0})) << text;
 }
 
+TEST(Version, ExistsFrom10To17AndAs20) {
+  for (const char* text : {"/1.0", "/1.4", "/1.7", "/2.0"})
+    EXPECT_TRUE(PdfVersion::parse(text).exists()) << text;
+  for (const char* text : {"/0.9", "/1.8", "/1.10", "/2.1", "/3.0", "/12.3"})
+    EXPECT_FALSE(PdfVersion::parse(text).exists()) << text;
+}
+
 TEST(Version, GoesByMajorThenMinor) {
   EXPECT_LT(pdf14, pdf15);
   EXPECT_LT((PdfVersion{1, 7}), (PdfVersion{2, 0}));

@@ -75,7 +75,7 @@ bool CMarkInfo::Read(CSourFile& source) {
   }
   PositionGuard back(source);
   std::unique_ptr<CSourFile> memory;
-  CSourFile* value = ParseObj(source, memory, ref);
+  CSourFile* const value = openValue(source, memory, ref);
   if (!value) return false;
   MarkInfoScan scan(*this, *value);
   return scanKeys(*value, scan);
