@@ -11,6 +11,7 @@
 #include "PDFEncryption/encryptinfo.h"
 #include "PDFEncryption/encryptionmanager.h"
 #include "TesselHost/host_error.h"
+#include "TesselHost/host_text.h"
 
 namespace TesselHost {
 
@@ -22,34 +23,12 @@ namespace Result = TESSEL::Result;
 
 constexpr std::size_t longestShortPassword = 32;
 
-/// The password in Latin-1; nothing when it has no other form there. Files up to revision 4 are made with
-/// passwords of one byte a character (ISO 32000-2, 7.6.4.3.2).
-std::optional<std::string> inLatin1(std::string_view password) {
-  constexpr unsigned continuation = 0x80;
-  constexpr unsigned continuationMask = 0xC0;
-  constexpr unsigned payload = 0x3F;
-  std::string latin;
-  for (std::size_t i = 0; i < password.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(password[i]);
-    if (byte < continuation) {
-      latin += password[i];
-      continue;
-    }
-    // What lies in Latin-1 begins with one of two bytes in UTF-8.
-    const unsigned next = i + 1 < password.size() ? static_cast<unsigned char>(password[i + 1]) : 0U;
-    if ((byte != 0xC2 && byte != 0xC3) || (next & continuationMask) != continuation) return std::nullopt;
-    latin += static_cast<char>((byte & 3U) << 6U | (next & payload));
-    ++i;
-  }
-  if (latin == password) return std::nullopt;
-  return latin;
-}
-
 /// What to try when the first 32 bytes, as they are, didn't do.
 std::vector<std::string> furtherForms(const std::string& password) {
   std::vector<std::string> forms;
   if (password.size() > longestShortPassword) forms.push_back(password);
-  if (auto latin = inLatin1(password)) forms.push_back(std::move(*latin));
+  // Up to revision 4 a character is a byte (ISO 32000-2, 7.6.4.3.2, Algorithm 2, step a).
+  if (auto bytes = pdfDocEncoded(password); bytes && *bytes != password) forms.push_back(std::move(*bytes));
   return forms;
 }
 

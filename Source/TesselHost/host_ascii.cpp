@@ -16,6 +16,7 @@ namespace TesselHost {
 namespace {
 
 constexpr std::string_view ascii85Filter = "/ASCII85Decode";
+constexpr std::string_view noParameters = "null";
 constexpr std::string_view keyFilter = "/Filter";
 constexpr std::string_view keyParameters = "/DecodeParms";
 constexpr std::string_view keyLength = "/Length";
@@ -222,19 +223,25 @@ std::optional<StreamParts> partsOfStream(std::string_view body) {
     if (key != keyLength) parts.entries.append(key).append(" ").append(value);
   if (dictionary.find(encodedMark) != std::string_view::npos && beginsBlank(*data))
     return StreamParts{withoutFirstFilter(parts.entries), dataBehindWhiteSpace(*data)};
-  if (data->rfind(endWord) == std::string_view::npos) return std::nullopt;
-  const std::string_view whole = upToEndWord(*data);
+  const auto word = data->rfind(endWord);
+  if (word == std::string_view::npos) return std::nullopt;
+  // Data may itself end in what looks like a line end.
   const auto length = parseCount(valueOfKey(dictionary, keyLength));
-  parts.data = whole.substr(0, length ? static_cast<std::size_t>(*length) : whole.size());
+  const bool known = length && static_cast<std::size_t>(*length) <= word;
+  parts.data = known ? data->substr(0, static_cast<std::size_t>(*length)) : upToEndWord(*data);
   return parts;
 }
 
-std::string withAscii85(std::string_view entries) {
+std::string withFilter(std::string_view entries, std::string_view filter, std::string_view parameters) {
   Filters filters(entries);
-  if (!filters.parameters.empty()) filters.parameters.insert(filters.parameters.begin(), "null");
-  filters.names.insert(filters.names.begin(), std::string(ascii85Filter));
+  if (parameters != noParameters) filters.parameters.resize(filters.names.size(), std::string(noParameters));
+  if (parameters != noParameters || !filters.parameters.empty())
+    filters.parameters.insert(filters.parameters.begin(), std::string(parameters));
+  filters.names.insert(filters.names.begin(), std::string(filter));
   return filters.text();
 }
+
+std::string withAscii85(std::string_view entries) { return withFilter(entries, ascii85Filter, noParameters); }
 
 std::string withParametersInStep(std::string_view entries) {
   Filters filters(entries);
@@ -242,7 +249,7 @@ std::string withParametersInStep(std::string_view entries) {
       filters.names.front() != ascii85Filter)
     return std::string(entries);
   filters.parameters.insert(filters.parameters.begin(), filters.names.size() - filters.parameters.size(),
-                            "null");
+                            std::string(noParameters));
   return filters.text();
 }
 

@@ -32,7 +32,11 @@ struct StreamParts {
 /// stream comes back as it was before.
 std::optional<StreamParts> partsOfStream(std::string_view body);
 
-/// The entries of a stream whose data has been put through ascii85.
+/// The entries of a stream whose data has been put through one more filter.
+/// @param parameters  of that filter
+std::string withFilter(std::string_view entries, std::string_view filter, std::string_view parameters);
+
+/// The same for data that has been put through ascii85.
 std::string withAscii85(std::string_view entries);
 
 /// The entries with as many parameters as filters: a filter that was put in front of others without

@@ -268,6 +268,8 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   const std::string id = options.protection ? randomIdentifier() : identifierFor(options, inputs, claims);
   std::optional<OutputProtection> protection;
   if (options.protection) protection.emplace(*options.protection, id);
+  if (options.protection)
+    for (const std::string& doubt : doubtsAbout(*options.protection)) observer.warn(doubt);
   OutputFile file(options.output);
   const ObjectWriter::Options writing = writerOptions(options, inputs, protection);
   OutputDocument document(file, writing, id);

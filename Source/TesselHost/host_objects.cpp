@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "TesselHost/host_ascii.h"
+#include "TesselHost/host_dictionary.h"
 #include "TesselHost/host_error.h"
 #include "TesselHost/host_strings.h"
 
@@ -20,6 +21,9 @@ constexpr std::uint64_t largestTableOffset = 9'999'999'999;
 constexpr std::size_t objectsPerStream = 200;
 constexpr std::size_t bytesPerObjectStream = 64U * 1024U;
 constexpr std::size_t smallestPackedStream = 32;
+// Leaves data as it is (ISO 32000-2, 7.4.10).
+constexpr std::string_view cryptFilter = "/Crypt";
+constexpr std::string_view identityCrypt = "<</Type/CryptFilterDecodeParms/Name/Identity>>";
 
 std::string trailerEntries(const Trailer& trailer, int encryption) {
   const std::string id = hexString(trailer.id);
@@ -50,6 +54,14 @@ void appendPredicted(std::string& out, const std::string& row, const std::string
   out += predictorUp;
   for (std::size_t i = 0; i < row.size(); ++i)
     out += static_cast<char>(static_cast<unsigned char>(row[i]) - static_cast<unsigned char>(above[i]));
+}
+
+/// Whether a stream's dictionary says that its data isn't encrypted although other streams are.
+bool choosesIdentity(std::string_view dictionary) {
+  if (dictionary.find(cryptFilter) == dictionary.npos) return false;
+  const std::string_view parameters = valueOfKey(dictionary, "/DecodeParms");
+  return valueOfKey(dictionary, "/Filter").find(cryptFilter) != dictionary.npos &&
+         (parameters.find("/Name") == dictionary.npos || parameters.find("/Identity") != dictionary.npos);
 }
 
 }  // namespace
@@ -94,7 +106,24 @@ void ObjectWriter::writeBody(const Identity& object, std::string_view body) {
 
 void ObjectWriter::writeHarvested(const Identity& object, std::string_view body) {
   if (options.ascii && writeAsciiStream(object, body)) return;
+  if (options.protection && writeInTheClear(object, body)) return;
   return options.protection || holdsStream(body) ? writePlainBody(object, body) : writeBody(object, body);
+}
+
+/// A stream that isn't encrypted although the output is: metadata that is left so, or a source's own choice.
+/// The library encrypts them like all others.
+bool ObjectWriter::writeInTheClear(const Identity& object, std::string_view body) {
+  const OutputProtection& protection = *options.protection;
+  const std::string_view dictionary = valueAt(body);
+  if (!protection.hasCryptFilters() || !isDictionary(dictionary)) return false;
+  const bool saysSo = choosesIdentity(dictionary);
+  const bool isMetadata = protection.leavesMetadata() && valueOfKey(dictionary, "/Type") == "/Metadata";
+  const auto parts = saysSo || isMetadata ? partsOfStream(body) : std::nullopt;
+  if (!parts) return false;
+  writePlainStream(object.first,
+                   saysSo ? parts->entries : withFilter(parts->entries, cryptFilter, identityCrypt),
+                   protection.decrypted(object.first, parts->data));
+  return true;
 }
 
 /// A stream of the library's ASCII-safe variant, which leaves a byte behind the data that it encodes and

@@ -90,6 +90,7 @@ class ObjectWriter {
   void put(std::string_view bytes);
   void writePlainBody(const Identity& object, std::string_view body);
   void writePlainStream(int number, std::string_view entries, std::string_view data);
+  bool writeInTheClear(const Identity& object, std::string_view body);
   bool writeAsciiStream(const Identity& object, std::string_view body);
   int writeEncryption();
   void beginObject(const Identity& object);

@@ -89,6 +89,15 @@ std::vector<std::string> Permissions::words(int revision) const {
   return words;
 }
 
+bool Permissions::fit(int revision) const {
+  std::uint32_t told = 0;
+  for (const Word& row : table)
+    if (row.oldBits != 0 && allSet(bits, row.bits)) told |= row.bits;
+  return revision >= revisionOfMoreBits || allowAll() || told == (bits & bitsOfAll);
+}
+
+bool Permissions::allowAll() const { return allSet(bits, bitsOfAll); }
+
 bool Permissions::allowPlacing(int revision) const {
   return allSet(bits, revision < revisionOfMoreBits ? bitModify : bitModify | bitAssemble);
 }

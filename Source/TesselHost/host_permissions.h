@@ -28,6 +28,11 @@ class Permissions {
   /// What is allowed, in the words of parse; a dictionary of revision 2 knows fewer of them.
   std::vector<std::string> words(int revision) const;
 
+  /// Whether nothing is forbidden.
+  bool allowAll() const;
+  /// Whether a dictionary of this revision can tell them apart from others: revision 2 knows fewer words.
+  bool fit(int revision) const;
+
   /// Whether pages of the document may go into another one: that changes and assembles.
   bool allowPlacing(int revision) const;
 

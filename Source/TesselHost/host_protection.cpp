@@ -12,6 +12,7 @@
 #include "PDFEncryption/rijndael.h"
 #include "TesselHost/host_error.h"
 #include "TesselHost/host_strings.h"
+#include "TesselHost/host_text.h"
 
 namespace TesselHost {
 
@@ -50,13 +51,23 @@ const Scheme& schemeWith(Matches matches) {
   return *std::find_if(schemes.begin(), schemes.end(), matches);
 }
 
+const Scheme& schemeOf(Cipher cipher) {
+  return schemeWith([cipher](const Scheme& row) { return row.cipher == cipher; });
+}
+
 const Scheme& schemeOf(const pcrypt::EncryptInfo& info) {
   return schemeWith([&info](const Scheme& row) { return row.revision == info.R; });
 }
 
+/// A password as readers of this revision take it.
+std::string asTaken(const std::string& password, int revision) {
+  return revision < firstLongRevision ? pdfDocEncoded(password).value_or(password) : password;
+}
+
 /// The bytes of a password that readers of this revision count.
 std::string countedPassword(const std::string& password, int revision) {
-  return revision < firstLongRevision ? password.substr(0, longestOldPassword) : pcrypt::getUTF8Str(password);
+  const std::string bytes = asTaken(password, revision);
+  return revision < firstLongRevision ? bytes.substr(0, longestOldPassword) : pcrypt::getUTF8Str(bytes);
 }
 
 unsigned char* bytesOf(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
@@ -112,11 +123,42 @@ std::optional<Cipher> parseCipher(std::string_view text) {
   return found->cipher;
 }
 
+bool canTell(Cipher cipher, const Permissions& permissions) {
+  return permissions.fit(schemeOf(cipher).revision);
+}
+
 bool hasMetadataSwitch(Cipher cipher) { return cipher == Cipher::aes128 || cipher == Cipher::aes256; }
+
+namespace {
+
+void addDoubts(std::vector<std::string>& doubts, std::string_view whose, const std::string& password,
+               const Scheme& scheme) {
+  const std::string counted = countedPassword(password, scheme.revision);
+  if (counted.size() < asTaken(password, scheme.revision).size())
+    doubts.push_back(fmt::format("only the first {} bytes of the {} password count", counted.size(), whose));
+  if (scheme.revision < firstLongRevision && !pdfDocEncoded(password))
+    doubts.push_back(
+        fmt::format("the {} password has characters that {} doesn't know, and many readers won't take "
+                    "it; aes-256 knows all",
+                    whose, scheme.name));
+}
+
+}  // namespace
+
+std::vector<std::string> doubtsAbout(const ProtectionOptions& options) {
+  const Scheme& scheme = schemeOf(options.cipher);
+  std::vector<std::string> doubts;
+  addDoubts(doubts, "user", options.userPassword, scheme);
+  addDoubts(doubts, "owner", options.ownerPassword, scheme);
+  if (!options.allowed.allowAll() && countedPassword(options.userPassword, scheme.revision) ==
+                                         countedPassword(options.ownerPassword, scheme.revision))
+    doubts.emplace_back("user and owner have the same password, so nothing is forbidden");
+  return doubts;
+}
 
 OutputProtection::OutputProtection(const ProtectionOptions& options, std::string fileIdentifier) {
   pcrypt::PDFEncryptionManager::useSystemRandom();
-  const Scheme& scheme = schemeWith([&](const Scheme& row) { return row.cipher == options.cipher; });
+  const Scheme& scheme = schemeOf(options.cipher);
   pcrypt::EncryptOption option;
   option.userPassword = countedPassword(options.userPassword, scheme.revision);
   option.ownerPassword = countedPassword(ownerPasswordOf(options), scheme.revision);
@@ -171,18 +213,22 @@ std::string OutputProtection::encrypted(int number, std::string_view data) const
   return result;
 }
 
+std::string OutputProtection::decrypted(int number, std::string_view data) const {
+  std::string result(data);
+  int length = static_cast<int>(result.size());
+  pcrypt::PDFDecryptionManager().DecryptData(info, number, 0, bytesOf(result), &length);
+  result.resize(static_cast<std::size_t>(length));
+  return result;
+}
+
+bool OutputProtection::hasCryptFilters() const { return !schemeOf(info).filterMethod.empty(); }
+
 std::string OutputProtection::withStringsEncrypted(int number, std::string_view text) const {
   return withStrings(text, [this, number](std::string_view bytes) { return encrypted(number, bytes); });
 }
 
 std::string OutputProtection::withStringsDecrypted(int number, std::string_view text) const {
-  return withStrings(text, [this, number](std::string_view bytes) {
-    std::string data(bytes);
-    int length = static_cast<int>(data.size());
-    pcrypt::PDFDecryptionManager().DecryptData(info, number, 0, bytesOf(data), &length);
-    data.resize(static_cast<std::size_t>(length));
-    return data;
-  });
+  return withStrings(text, [this, number](std::string_view bytes) { return decrypted(number, bytes); });
 }
 
 std::string randomIdentifier() {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "PDFEncryption/encryptinfo.h"
 #include "TesselHost/host_permissions.h"
@@ -21,6 +22,9 @@ std::optional<Cipher> parseCipher(std::string_view text);
 /// Whether metadata can stay in the clear under this cipher.
 bool hasMetadataSwitch(Cipher cipher);
 
+/// Whether these permissions can be told under this cipher: rc4-40 knows fewer words.
+bool canTell(Cipher cipher, const Permissions& permissions);
+
 /// How an output is to be protected.
 struct ProtectionOptions {
   Cipher cipher = Cipher::aes256;
@@ -29,6 +33,9 @@ struct ProtectionOptions {
   Permissions allowed;
   bool cleartextMetadata = false;  ///< the document's metadata stays readable for everyone; AES only
 };
+
+/// What the user should know of passwords that don't protect, or that other readers may refuse; a line each.
+std::vector<std::string> doubtsAbout(const ProtectionOptions& options);
 
 /// The protection of one output (ISO 32000-2, 7.6): its key, and the dictionary that tells readers how to get
 /// to it. Salts, the 256-bit key and initial vectors come from the operating system's random source.
@@ -48,6 +55,12 @@ class OutputProtection {
 
   /// Data of a stream as the object `number` of generation 0 has it.
   std::string encrypted(int number, std::string_view data) const;
+  /// Undoes encrypted.
+  std::string decrypted(int number, std::string_view data) const;
+  /// Whether streams may say that they aren't encrypted (ISO 32000-2, 7.6.6).
+  bool hasCryptFilters() const;
+  /// Whether metadata is to stay in the clear.
+  bool leavesMetadata() const { return !info.encryptMetadata; }
   /// A dictionary, or another object without a stream, with its strings as the object `number` has them.
   std::string withStringsEncrypted(int number, std::string_view text) const;
   /// Undoes withStringsEncrypted; for texts that the library hands over for an object of the host's.

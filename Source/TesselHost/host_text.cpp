@@ -86,6 +86,12 @@ void appendUtf16(std::string& out, char32_t c) {
   put(0xDC00 | (c & 0x3FF));
 }
 
+std::optional<char> inPdfDoc(char32_t c) {
+  for (unsigned byte = 0; byte <= 0xFFU; ++byte)
+    if (c != replacement && ofPdfDoc(static_cast<unsigned char>(byte)) == c) return static_cast<char>(byte);
+  return std::nullopt;
+}
+
 bool isPlain(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
 }
@@ -115,6 +121,20 @@ std::string textString(std::string_view utf8) {
     literal += c;
   }
   return literal += ')';
+}
+
+std::optional<std::string> pdfDocEncoded(std::string_view utf8) {
+  std::string bytes;
+  while (!utf8.empty()) {
+    const std::string_view before = utf8;
+    const char32_t c = takeUtf8(utf8);
+    std::string again;
+    appendUtf8(again, c);
+    const auto byte = inPdfDoc(c);
+    if (!byte || before.substr(0, before.size() - utf8.size()) != again) return std::nullopt;
+    bytes += *byte;
+  }
+  return bytes;
 }
 
 }  // namespace TesselHost

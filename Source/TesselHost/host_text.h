@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,5 +12,9 @@ std::string utf8OfString(std::string_view token);
 
 /// Characters in UTF-8 as a text string: a literal one where they are ASCII, else UTF-16 in hexadecimal.
 std::string textString(std::string_view utf8);
+
+/// Characters in UTF-8 as bytes of PDFDocEncoding (ISO 32000-2, D.3); nothing when one of them has no place
+/// there, or when the bytes aren't UTF-8.
+std::optional<std::string> pdfDocEncoded(std::string_view utf8);
 
 }  // namespace TesselHost

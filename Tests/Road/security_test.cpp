@@ -194,6 +194,11 @@ TEST_F(Security, APasswordInLatin1OpensWithTheSameLettersInUtf8) {
   EXPECT_EQ(openedWith("in.pdf", "pässwort"), "");
 }
 
+TEST_F(Security, APasswordInPdfDocEncodingOpensWithTheSameLettersInUtf8) {
+  protect("in.pdf", allProtections[3], {"\xA0uro", "own"}, Layout::classicTable, "");
+  EXPECT_EQ(openedWith("in.pdf", "€uro"), "user");
+}
+
 // Where a password comes from.
 
 class PasswordSource : public Security {
@@ -222,10 +227,44 @@ TEST_F(PasswordSource, IsTheEnvironmentWithoutAnOption) {
   EXPECT_EQ(status("TESSEL_PASSWORD=x", "--password use"), 0);
 }
 
+TEST_F(PasswordSource, MayHaveBlanksAndNoLineEnd) {
+  protect("in.pdf", allProtections[6], {" a b ", "own"});
+  file("password", " a b ");
+  EXPECT_EQ(status("", "--password-file password"), 0);
+  EXPECT_EQ(status("", "--password ' a b '"), 0);
+}
+
+TEST_F(PasswordSource, ThatIsGivenEmptyIsNotTheEnvironments) {
+  file("empty", "");
+  EXPECT_EQ(status("TESSEL_PASSWORD=use", "--password ''"), 1);
+  EXPECT_EQ(status("TESSEL_PASSWORD=use", "--password-file empty"), 1);
+  EXPECT_EQ(status("TESSEL_PASSWORD=use", "--password-file ''"), 1);
+}
+
+TEST_F(PasswordSource, IsALineForEachOptionThatReadsStandardInput) {
+  const Outcome outcome =
+      shell("printf 'own\\nnewuser\\nnewowner\\n' | " + quoted(TESSEL_TOOL) +
+            " nup in.pdf -o out.pdf --grid 1x1 --password-file - --encrypt aes-256 --user-password-file -"
+            " --owner-password-file -");
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(openedWith("out.pdf", "newuser"), "user");
+  EXPECT_EQ(openedWith("out.pdf", "newowner"), "owner");
+}
+
+TEST_F(PasswordSource, ThatIsNoLineOfTextIsRefused) {
+  file("zero", std::string("use\0x", 5));
+  EXPECT_EQ(tessel({"info", "in.pdf", "--password-file", "zero"}).err,
+            "tessel: zero: its first line is no password\n");
+  EXPECT_EQ(tessel({"info", "in.pdf", "--password-file", "/dev/zero"}).err,
+            "tessel: /dev/zero: its first line is no password\n");
+  EXPECT_EQ(tessel({"info", "in.pdf", "--password-file", "."}).err,
+            "tessel: .: the password can't be read\n");
+}
+
 TEST_F(PasswordSource, ThatCanNotBeReadIsStatus1) {
   const Outcome outcome = tessel({"info", "in.pdf", "--password-file", "missing"});
   EXPECT_EQ(outcome.status, 1);
-  EXPECT_EQ(outcome.err, "tessel: missing: the password can't be read\n");
+  EXPECT_EQ(outcome.err, "tessel: missing: the password can't be read: No such file or directory\n");
 }
 
 TEST_F(PasswordSource, ServesAllInputsAndIsIgnoredByThoseThatNeedNone) {
@@ -396,6 +435,68 @@ TEST_F(Security, AnOutputTellsThatItsMetadataIsInTheClear) {
       0);
   EXPECT_THAT(tessel({"info", "out.pdf", "--password", "use"}).out, HasSubstr("metadata in the clear"));
   EXPECT_EQ(complaintsAbout("out.pdf", "use"), "");
+}
+
+TEST_F(Security, AnOutputLeavesMetadataOfImagesInTheClearAndSaysSo) {
+  file("in.pdf", pdf()
+                     .onePage("/MediaBox[0 0 9 9]/Contents 4 0 R/Resources<</XObject<</Im 5 0 R>>>>")
+                     .stream(4, "", "/Im Do")
+                     .stream(5,
+                             "/Type/XObject/Subtype/Image/Width 1/Height 1/BitsPerComponent 8"
+                             "/ColorSpace/DeviceGray/Metadata 6 0 R",
+                             "x")
+                     .stream(6, "/Type/Metadata/Subtype/XML", "<words>of the image</words>")
+                     .build());
+  const std::string words = "<words>of the image</words>";
+  for (const char* cipher : {"aes-128", "aes-256"}) {
+    place("in.pdf", {"--encrypt", cipher, "--user-password", "use", "--cleartext-metadata"});
+    EXPECT_THAT(contentOf("out.pdf"), HasSubstr(words));
+    EXPECT_EQ(complaintsAbout("out.pdf", "use"), "");
+    // What says itself that it isn't encrypted stays so.
+    tessel({"nup", "out.pdf", "-o", "again.pdf", "--grid", "1x1", "--password", "use", "--encrypt", cipher,
+            "--user-password", "use"});
+    EXPECT_THAT(shell("qpdf --qdf --decrypt --password=use again.pdf -").out, HasSubstr(words));
+    place("in.pdf", {"--encrypt", cipher, "--user-password", "use"});
+    EXPECT_THAT(contentOf("out.pdf"), Not(HasSubstr(words)));
+    EXPECT_THAT(shell("qpdf --qdf --decrypt --password=use out.pdf -").out, HasSubstr(words));
+  }
+}
+
+TEST_F(Security, AnOutputWithAnEmptyUserPasswordIsNotTheEnvironments) {
+  const Outcome outcome =
+      shell("TESSEL_USER_PASSWORD=env " + quoted(TESSEL_TOOL) +
+            " nup plain.pdf -o out.pdf --grid 1x1 --encrypt aes-256 --user-password '' --owner-password own");
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(openedWith("out.pdf", ""), "none");
+}
+
+TEST_F(Security, APasswordOfAnOutputOpensItElsewhere) {
+  for (const char* cipher : ciphers) {
+    ASSERT_EQ(place("plain.pdf", {"--encrypt", cipher, "--user-password", "pässwört €"}).status, 0);
+    EXPECT_EQ(shell("mutool draw -q -F txt -o /dev/null -p 'pässwört €' out.pdf").status, 0) << cipher;
+    EXPECT_EQ(complaintsAbout("out.pdf", "pässwört €"), "") << cipher;
+    EXPECT_EQ(openedWith("out.pdf", "pässwört €"), "user") << cipher;
+  }
+}
+
+TEST_F(Security, DoubtfulPasswordsAreToldOf) {
+  const std::vector<std::string> options{"--encrypt", "aes-128", "--owner-password", "x", "--user-password"};
+  const auto warnings = [&](const std::string& password, const std::string& allowed) {
+    std::vector<std::string> all = options;
+    all.insert(all.end(), {password, "--allow", allowed});
+    const Outcome outcome = place("plain.pdf", all);
+    EXPECT_EQ(outcome.status, 0);
+    return outcome.err;
+  };
+  EXPECT_EQ(warnings("use", "none"), "");
+  EXPECT_EQ(warnings("x", "all"), "");
+  EXPECT_EQ(warnings("x", "none"),
+            "tessel: warning: user and owner have the same password, so nothing is forbidden\n");
+  EXPECT_EQ(warnings(std::string(33, 'u'), "all"),
+            "tessel: warning: only the first 32 bytes of the user password count\n");
+  EXPECT_EQ(warnings("пароль", "all"),
+            "tessel: warning: the user password has characters that aes-128 doesn't know, and many readers "
+            "won't take it; aes-256 knows all\n");
 }
 
 TEST_F(Security, TwoRunsHaveNoKeyInCommon) {

@@ -55,6 +55,13 @@ TEST(Ascii85, BreaksLines) {
   EXPECT_TRUE(isAscii(encoded));
 }
 
+TEST(StreamParts, KeepALineEndThatIsData) {
+  EXPECT_EQ(partsOfStream("<</Length 3>>stream\nab\nendstream")->data, "ab\n");
+  EXPECT_EQ(partsOfStream("<</Length 2>>stream\nab\nendstream")->data, "ab");
+  EXPECT_EQ(partsOfStream("<</Length 99>>stream\nab\nendstream")->data, "ab");
+  EXPECT_EQ(partsOfStream("<</Length 9 0 R>>stream\nab\nendstream")->data, "ab");
+}
+
 TEST(StreamParts, AreEntriesAndDataOfTheLengthTold) {
   const auto parts = partsOfStream("<</Type/X/Length 3/Filter/A>>\r\nstream\r\nabcdef\r\nendstream\r\n");
   ASSERT_TRUE(parts);
@@ -93,6 +100,11 @@ struct EntriesCase {
 class FilterInFront : public testing::TestWithParam<EntriesCase> {};
 
 TEST_P(FilterInFront, KeepsParametersInStep) { EXPECT_EQ(withAscii85(GetParam().before), GetParam().after); }
+
+TEST(OneMoreFilter, MayHaveParametersOfItsOwn) {
+  EXPECT_EQ(withFilter("/N 1", "/F", "<</P 1>>"), "/N 1/Filter[/F]/DecodeParms[<</P 1>>]");
+  EXPECT_EQ(withFilter("/Filter/A", "/F", "<</P 1>>"), "/Filter[/F /A]/DecodeParms[<</P 1>> null]");
+}
 
 INSTANTIATE_TEST_SUITE_P(
     Entries, FilterInFront,

@@ -37,6 +37,15 @@ TEST(Permissions, RefuseOtherWords) {
     EXPECT_EQ(Permissions::parse(text), std::nullopt) << text;
 }
 
+TEST(Permissions, FitRevision2WhenItKnowsTheirWords) {
+  for (const char* words : {"all", "none", "print", "print,copy", "modify,annotate"})
+    EXPECT_TRUE(Permissions::parse(words)->fit(2)) << words;
+  for (const char* words : {"print-low", "fill-forms", "assemble", "print,accessibility"}) {
+    EXPECT_FALSE(Permissions::parse(words)->fit(2)) << words;
+    EXPECT_TRUE(Permissions::parse(words)->fit(3)) << words;
+  }
+}
+
 TEST(Permissions, AreToldInWords) {
   EXPECT_THAT(Permissions(-4).words(2), ElementsAre("print", "modify", "copy", "annotate"));
   EXPECT_THAT(Permissions(-4).words(6),

@@ -21,5 +21,18 @@ TEST(TextString, IsWrittenPlainWhereItCanBe) {
     EXPECT_EQ(utf8OfString(textString(text)), text);
 }
 
+TEST(PdfDocEncoding, HasAByteForEachOfItsCharactersAndNoneForOthers) {
+  EXPECT_EQ(pdfDocEncoded("plain"), "plain");
+  EXPECT_EQ(pdfDocEncoded("\xC3\xA4\xE2\x82\xAC\xE2\x80\xA2\xCB\x98"), "\xE4\xA0\x80\x18");
+  EXPECT_EQ(pdfDocEncoded(""), "");
+  for (const char* none : {"\xD0\xB0", "\xF0\x9D\x84\x9E", "\xEF\xBF\xBD"})
+    EXPECT_EQ(pdfDocEncoded(none), std::nullopt) << none;
+}
+
+TEST(PdfDocEncoding, WantsSoundUtf8) {
+  for (const char* broken : {"\xE4", "\xC3", "a\xA0", "\xC1\xA1", "\xC3(", "\xFF\xFE"})
+    EXPECT_EQ(pdfDocEncoded(broken), std::nullopt) << broken;
+}
+
 }  // namespace
 }  // namespace TesselHost

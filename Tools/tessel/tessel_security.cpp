@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <iostream>
 
@@ -16,8 +18,13 @@ using namespace TesselHost;
 namespace {
 
 std::string firstLineOf(std::istream& in, const std::string& name) {
+  constexpr std::size_t longestLine = 4096;
   std::string line;
-  if (!std::getline(in, line) && !in.eof()) throw HostError(name + ": the password can't be read");
+  for (char c = 0; in.get(c) && c != '\n';) {
+    if (c == '\0' || line.size() == longestLine) throw HostError(name + ": its first line is no password");
+    line += c;
+  }
+  if (in.bad()) throw HostError(name + ": the password can't be read");
   if (!line.empty() && line.back() == '\r') line.pop_back();
   return line;
 }
@@ -27,23 +34,24 @@ std::string firstLineOf(std::istream& in, const std::string& name) {
 std::array<CLI::Option*, 2> PasswordOption::addTo(CLI::App& command, const std::string& name,
                                                   const std::string& variable, const std::string& help) {
   fallback = variable;
-  CLI::Option* direct = command.add_option("--" + name, text, help + "; without it $" + variable + " counts");
-  CLI::Option* inFile = command.add_option("--" + name + "-file", file,
-                                           "The same as the first line of a file; - for standard input");
+  direct = command.add_option("--" + name, text, help + "; without it $" + variable + " counts");
+  inFile = command.add_option("--" + name + "-file", file,
+                              "The same as the first line of a file; - for standard input");
   direct->type_name("PASSWORD");
   inFile->type_name("FILE")->excludes(direct);
   return {direct, inFile};
 }
 
 std::string PasswordOption::value() const {
-  if (file == "-") return firstLineOf(std::cin, "standard input");
-  if (!file.empty()) {
+  if (direct->count() > 0) return text;
+  if (inFile->count() > 0) {
+    if (file == "-") return firstLineOf(std::cin, "standard input");
     std::ifstream in(file, std::ios::binary);
-    if (!in) throw HostError(file + ": the password can't be read");
+    if (!in) throw HostError(fmt::format("{}: the password can't be read: {}", file, std::strerror(errno)));
     return firstLineOf(in, file);
   }
   const char* variable = std::getenv(fallback.c_str());
-  return text.empty() && variable != nullptr ? variable : text;
+  return variable != nullptr ? variable : "";
 }
 
 void addPassword(CLI::App& command, PasswordOption& password) {
@@ -77,6 +85,8 @@ std::optional<ProtectionOptions> EncryptionOptions::value() const {
     throw UsageError("--encrypt needs a --user-password or an --owner-password");
   if (cleartextMetadata && !hasMetadataSwitch(*cipher))
     throw UsageError("--cleartext-metadata needs --encrypt aes-128 or aes-256");
+  if (!canTell(*cipher, allowed))
+    throw UsageError("--encrypt rc4-40 knows print, modify, copy and annotate only; --allow asks for more");
   return options;
 }
 

@@ -17,13 +17,16 @@ class PasswordOption {
   /// @param variable  looked at when neither is given
   std::array<CLI::Option*, 2> addTo(CLI::App& command, const std::string& name, const std::string& variable,
                                     const std::string& help);
-  /// The password; a file's first line. Throws HostError when there is no such file.
+  /// The password, which may be given as empty; a file's first line. Throws HostError when there is no such
+  /// file, or no password in it.
   std::string value() const;
 
  private:
   std::string text;
   std::string file;
   std::string fallback;
+  CLI::Option* direct = nullptr;
+  CLI::Option* inFile = nullptr;
 };
 
 /// --password, alike for every command: opens the inputs that need one.
