@@ -238,4 +238,24 @@ INSTANTIATE_TEST_SUITE_P(Parts, DamagedPart,
                                          "/OCProperties<</D<</OFF 5/ON[]>>/Metadata 7 0 R>>",
                                          "/OCProperties<</D<</Order[[/Bad]]>>>>"));
 
+class EndlessPart : public testing::TestWithParam<const char*> {};
+
+// A catalog in an object stream and a part that lies in the file are two sources; both have to be usable.
+TEST_P(EndlessPart, DoesNotStopACatalogWhereverItLies) {
+  const std::string entries = std::string(GetParam()) + "/Metadata 8 0 R";
+  EXPECT_EQ(pdf().onePage("", entries).object(9, "(no end").open().result, 0);
+  const Source source = pdf()
+                            .compressed(6, 1, "<</Type/Catalog/Pages 2 0 R" + entries + ">>")
+                            .object(2, "<</Type/Pages/Kids[3 0 R]>>")
+                            .object(3, "<</Type/Page>>")
+                            .object(9, "(no end")
+                            .open();
+  EXPECT_EQ(source.result, 0);
+  EXPECT_THAT(numbers(source->pageList), ElementsAre(3));
+}
+
+INSTANTIATE_TEST_SUITE_P(Parts, EndlessPart,
+                         testing::Values("/AcroForm<</DR 9 0 R>>", "/AcroForm 9 0 R", "/Version 9 0 R",
+                                         "/OCProperties<</D 9 0 R>>", "/OCProperties<</OCGs 9 0 R>>"));
+
 }  // namespace

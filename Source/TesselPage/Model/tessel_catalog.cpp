@@ -178,6 +178,7 @@ bool CatalogScan::skipString() {
 }
 
 void CatalogScan::stepOver(std::streampos value) {
+  main.clear();
   source.clear();
   source.seekg(value);
   skipping = true;
@@ -202,7 +203,7 @@ Turn CatalogScan::readPart(Part& part, bool& byReference) {
     main.clear();
     source.clear();
     source.seekg(value);
-  } else if (!isDictionary() || !part.Read(source) || !source.good()) {
+  } else if (!isDictionary() || !part.Read(source) || !source.good() || !main.good()) {
     stepOver(value);
   }
   return Turn::goOn;
