@@ -93,7 +93,8 @@ bool Permissions::fit(int revision) const {
   std::uint32_t told = 0;
   for (const Word& row : table)
     if (row.oldBits != 0 && allSet(bits, row.bits)) told |= row.bits;
-  return revision >= revisionOfMoreBits || allowAll() || told == (bits & bitsOfAll);
+  // Accessibility is always allowed.
+  return revision >= revisionOfMoreBits || allowAll() || told == (bits & bitsOfAll & ~bitAccessibility);
 }
 
 bool Permissions::allowAll() const { return allSet(bits, bitsOfAll); }

@@ -123,10 +123,6 @@ std::optional<Cipher> parseCipher(std::string_view text) {
   return found->cipher;
 }
 
-bool canTell(Cipher cipher, const Permissions& permissions) {
-  return permissions.fit(schemeOf(cipher).revision);
-}
-
 bool hasMetadataSwitch(Cipher cipher) { return cipher == Cipher::aes128 || cipher == Cipher::aes256; }
 
 namespace {
@@ -153,6 +149,10 @@ std::vector<std::string> doubtsAbout(const ProtectionOptions& options) {
   if (!options.allowed.allowAll() && countedPassword(options.userPassword, scheme.revision) ==
                                          countedPassword(options.ownerPassword, scheme.revision))
     doubts.emplace_back("user and owner have the same password, so nothing is forbidden");
+  if (!options.allowed.fit(scheme.revision))
+    doubts.push_back(
+        fmt::format("{} knows print, modify, copy and annotate only; what else is allowed follows from these",
+                    scheme.name));
   return doubts;
 }
 

@@ -22,9 +22,6 @@ std::optional<Cipher> parseCipher(std::string_view text);
 /// Whether metadata can stay in the clear under this cipher.
 bool hasMetadataSwitch(Cipher cipher);
 
-/// Whether these permissions can be told under this cipher: rc4-40 knows fewer words.
-bool canTell(Cipher cipher, const Permissions& permissions);
-
 /// How an output is to be protected.
 struct ProtectionOptions {
   Cipher cipher = Cipher::aes256;
@@ -34,7 +31,8 @@ struct ProtectionOptions {
   bool cleartextMetadata = false;  ///< the document's metadata stays readable for everyone; AES only
 };
 
-/// What the user should know of passwords that don't protect, or that other readers may refuse; a line each.
+/// What the user should know of passwords that don't protect, or that other readers may refuse, and of
+/// permissions that the cipher has no bits for; a line each.
 std::vector<std::string> doubtsAbout(const ProtectionOptions& options);
 
 /// The protection of one output (ISO 32000-2, 7.6): its key, and the dictionary that tells readers how to get

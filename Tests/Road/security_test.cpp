@@ -499,6 +499,20 @@ TEST_F(Security, DoubtfulPasswordsAreToldOf) {
             "won't take it; aes-256 knows all\n");
 }
 
+TEST_F(Security, PermissionsThatTheCipherHasNoBitsForAreToldOf) {
+  const auto warning = [&](const std::string& allowed) {
+    const Outcome outcome =
+        place("plain.pdf", {"--encrypt", "rc4-40", "--user-password", "use", "--allow", allowed});
+    EXPECT_EQ(outcome.status, 0);
+    return outcome.err;
+  };
+  EXPECT_EQ(warning("print,copy,accessibility"), "");
+  EXPECT_EQ(
+      warning("print-low"),
+      "tessel: warning: rc4-40 knows print, modify, copy and annotate only; what else is allowed follows "
+      "from these\n");
+}
+
 TEST_F(Security, TwoRunsHaveNoKeyInCommon) {
   const std::vector<std::string> options{"--encrypt", "aes-256", "--user-password", "use"};
   place("plain.pdf", options);

@@ -64,7 +64,6 @@ INSTANTIATE_TEST_SUITE_P(
                     "nup in.pdf -o out.pdf --grid 1x1 --user-password x",
                     "nup in.pdf -o out.pdf --grid 1x1 --allow print",
                     "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256 --user-password x --allow fly",
-                    "nup in.pdf -o out.pdf --grid 1x1 --encrypt rc4-40 --user-password x --allow print-low",
                     "nup in.pdf -o out.pdf --grid 1x1 --encrypt rc4-40 --user-password x "
                     "--cleartext-metadata"));
 

@@ -38,9 +38,9 @@ TEST(Permissions, RefuseOtherWords) {
 }
 
 TEST(Permissions, FitRevision2WhenItKnowsTheirWords) {
-  for (const char* words : {"all", "none", "print", "print,copy", "modify,annotate"})
+  for (const char* words : {"all", "none", "print", "print,copy", "modify,annotate", "print,accessibility"})
     EXPECT_TRUE(Permissions::parse(words)->fit(2)) << words;
-  for (const char* words : {"print-low", "fill-forms", "assemble", "print,accessibility"}) {
+  for (const char* words : {"print-low", "fill-forms", "assemble", "print,assemble"}) {
     EXPECT_FALSE(Permissions::parse(words)->fit(2)) << words;
     EXPECT_TRUE(Permissions::parse(words)->fit(3)) << words;
   }

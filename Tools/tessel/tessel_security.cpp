@@ -85,8 +85,6 @@ std::optional<ProtectionOptions> EncryptionOptions::value() const {
     throw UsageError("--encrypt needs a --user-password or an --owner-password");
   if (cleartextMetadata && !hasMetadataSwitch(*cipher))
     throw UsageError("--cleartext-metadata needs --encrypt aes-128 or aes-256");
-  if (!canTell(*cipher, allowed))
-    throw UsageError("--encrypt rc4-40 knows print, modify, copy and annotate only; --allow asks for more");
   return options;
 }
 
