@@ -151,6 +151,17 @@ TEST(AnnotHarvest, MissingAnnotationHasTheFlagsOfADroppedOne) {
   EXPECT_TRUE(ObjFlag::dropped(flagsOf(readWith(withArray("[99 0 R]"), {texts, 0}), 99)));
 }
 
+TEST(AnnotHarvest, MissingObjectOfAnAnnotationIsPassedOverThoughAnActionNamedItFirst) {
+  const auto builder = withArray("[6 0 R 7 0 R]")
+                           .object(6, "<</Subtype/Text/A<</S/Named/X 99 0 R>>/BS 8 0 R>>")
+                           .object(7, "<</Subtype/Text/BS 99 0 R>>")
+                           .object(8, "<</W 9 0 R>>")
+                           .object(9, "1");
+  const Source source = readWith(builder, {texts, 0});
+  EXPECT_THAT(harvested(source), ElementsAre(5, 6, 7, 8, 9, 99));
+  EXPECT_EQ(flagsOf(source, 99), 0x81000);
+}
+
 TEST(AnnotHarvest, AnnotationSharedByTwoPagesIsFilteredForEach) {
   auto builder = pdf().pageTree({3, 4});
   builder.object(3, "<</Type/Page/Annots 5 0 R>>").object(4, "<</Type/Page/Annots 5 0 R>>");

@@ -86,7 +86,7 @@ class CAnnot : public CObj {
   struct Known {
     std::map<SObj, SDestInfo> dests;
     std::set<SObj> actions;
-    /// Entries of the work list, but for objects that are missing: the harvest loop drops those unseen.
+    /// Entries of the work list that have not been visited.
     std::map<SObj, std::list<SObj>::iterator> waiting;
   };
 
@@ -96,7 +96,7 @@ class CAnnot : public CObj {
   const FieldInfo& fieldInfoOf(CSourFile& source, const SObj& field);
   const SDestInfo& destOf(CSourFile& source, const SObj& ref);
   bool readAction(CSourFile& main, const SObj& ref);
-  void indexWork(CSourFile& main, std::list<SObj>& work);
+  void indexWork(std::list<SObj>& work);
   bool visit(CSourFile& main, CSourFile& body, std::list<SObj>& work);
 
   int pageNum = 0;

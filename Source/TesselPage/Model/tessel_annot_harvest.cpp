@@ -270,7 +270,7 @@ void AnnotObjectScan::enter(const SObj& ref) {
   const auto entry = main.pageObjects.find(ref);
   if (entry == main.pageObjects.end()) {
     work.push_back(ref);
-    if (!isMissing(main, ref)) annot.known.waiting[ref] = std::prev(work.end());
+    annot.known.waiting[ref] = std::prev(work.end());
     main.insertFileObject(ref);
     return;
   }
@@ -306,10 +306,9 @@ bool CAnnot::readAction(CSourFile& main, const SObj& ref) {
   return !body || action.Read(*body);
 }
 
-void CAnnot::indexWork(CSourFile& main, std::list<SObj>& work) {
+void CAnnot::indexWork(std::list<SObj>& work) {
   known.waiting.clear();
-  for (auto entry = work.begin(); entry != work.end(); ++entry)
-    if (!isMissing(main, *entry)) known.waiting.emplace(*entry, entry);
+  for (auto entry = work.begin(); entry != work.end(); ++entry) known.waiting.emplace(*entry, entry);
 }
 
 bool CAnnot::visit(CSourFile& main, CSourFile& body, std::list<SObj>& work) {
@@ -318,16 +317,18 @@ bool CAnnot::visit(CSourFile& main, CSourFile& body, std::list<SObj>& work) {
 }
 
 bool CAnnot::ReadObjs(CSourFile* main, CSourFile& source, std::list<SObj>& work) {
-  indexWork(*main, work);
+  indexWork(work);
   return visit(*main, source, work);
 }
 
 bool CAnnot::ReadOthers(CSourFile& source, std::list<SObj>& work) {
   CSourFile& main = source.mainSource();
   known = {};
-  indexWork(main, work);
-  return harvest(*this, main, work, MissingObjects::dropAnnotations,
-                 [&](CSourFile& body) { return visit(main, body, work); });
+  indexWork(work);
+  return harvest(
+      *this, main, work, MissingObjects::dropAnnotations,
+      [&](CSourFile& body) { return visit(main, body, work); },
+      [&](const SObj& missing) { known.waiting.erase(missing); });
 }
 
 }  // namespace TESSEL

@@ -77,16 +77,19 @@ bool isMissing(CSourFile& main, const SObj& object);
 
 /// The harvest loop: takes the entries of `work` one by one, breadth first, and calls `visit(body)` with the
 /// source that stands at the object, in the file or in memory; `reader` has the entry as its identity
-/// meanwhile. What a visit pushes on the back of `work` is visited too. The stream's position is not kept.
+/// meanwhile. What a visit pushes on the back of `work` is visited too. `drop(entry)` is called for each one
+/// that is dropped, before it leaves the list. The stream's position is not kept.
 /// @return true when `work` has run empty; false when an object could not be placed or a visit failed: the
 /// rest of `work`
 ///         then stays unvisited, and the stream's state is clear
-template <class Visit>
-bool harvest(CObj& reader, CSourFile& main, std::list<SObj>& work, MissingObjects rule, Visit visit) {
+template <class Visit, class Drop>
+bool harvest(CObj& reader, CSourFile& main, std::list<SObj>& work, MissingObjects rule, Visit visit,
+             Drop drop) {
   IdentityGuard own(reader);
   while (!work.empty()) {
     reader.id = work.front();
     if (reader.id.hasAny(static_cast<int>(rule)) && isMissing(main, reader.id)) {
+      drop(reader.id);
       work.pop_front();
       continue;
     }
@@ -101,6 +104,12 @@ bool harvest(CObj& reader, CSourFile& main, std::list<SObj>& work, MissingObject
     if (!work.empty()) work.pop_front();
   }
   return true;
+}
+
+/// The same, where nobody asks what is dropped.
+template <class Visit>
+bool harvest(CObj& reader, CSourFile& main, std::list<SObj>& work, MissingObjects rule, Visit visit) {
+  return harvest(reader, main, work, rule, visit, [](const SObj&) {});
 }
 
 /// Scans one object from the stream's place up to "endobj" or "stream" and calls `take(ref)` for each
