@@ -1,9 +1,13 @@
 #include "TesselHost/host_access.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -72,6 +76,25 @@ Opening openReader(CTesselPage& reader, const std::string& password) {
   if (state == Result::notProtected && isUnknown(reader))
     return {Result::passwordNotTried, "its encryption isn't known"};
   return {result, result == Result::success ? std::string() : reasonOf(result)};
+}
+
+namespace {
+
+/// Why a file holds no PDF, as far as the file system tells; empty when it tells nothing.
+std::string troubleWith(const std::string& path) {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0 || access(path.c_str(), R_OK) != 0) return std::strerror(errno);
+  if (S_ISDIR(status.st_mode)) return "a directory, not a PDF";
+  return S_ISREG(status.st_mode) && status.st_size == 0 ? "the file is empty" : "";
+}
+
+}  // namespace
+
+Opening openFile(CTesselPage& reader, const std::string& path, const std::string& password) {
+  Opening opening = openReader(reader, password);
+  if (opening.result != Result::notReadable) return opening;
+  if (std::string trouble = troubleWith(path); !trouble.empty()) opening.reason = std::move(trouble);
+  return opening;
 }
 
 Access::Access(const CTesselPage& reader)

@@ -19,6 +19,9 @@ struct Opening {
 /// source that no password at hand opens is one that isn't open.
 Opening openReader(TESSEL::CTesselPage& reader, const std::string& password);
 
+/// The same for a source given by path. Where it isn't readable the reason tells what is known of the file.
+Opening openFile(TESSEL::CTesselPage& reader, const std::string& path, const std::string& password);
+
 /// Who has opened a source, and what that allows.
 class Access {
  public:

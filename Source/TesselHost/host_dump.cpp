@@ -27,7 +27,7 @@ class Dumper {
         start(someOptions.start) {}
 
   Opening open() {
-    Opening opening = openReader(reader, options.password);
+    Opening opening = openFile(reader, options.input, options.password);
     const int result = opening.result;
     json.beginObject().key("init").value(result).key("pages");
     json.value(result == Result::success ? reader.getPageCount() : 0).key("root");

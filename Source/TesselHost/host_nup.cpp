@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <memory>
@@ -98,15 +99,26 @@ Size turnedForPages(const Size& paper, const std::vector<Size>& sizes, const Nup
   return acrossScale > uprightScale * clearlyLarger ? paper.turned() : paper;
 }
 
+/// A page that is too large by itself stays as it is.
+void refuseHuge(const Size& sheet, const Size& page) {
+  if ((sheet.width > largestPaperSide && sheet.width > page.width) ||
+      (sheet.height > largestPaperSide && sheet.height > page.height))
+    throw UsageError(
+        fmt::format("sheets around these pages would be larger than {} points, which readers don't show; "
+                    "--paper makes them "
+                    "smaller",
+                    largestPaperSide));
+}
+
 /// Knows how large each sheet is.
 class SheetPlan {
  public:
   SheetPlan(const NupOptions& someOptions, const std::vector<Input>& inputs) : options(someOptions) {
-    if (ownSizes()) return;
     const std::vector<Size> sizes = sizesOf(inputs);
     switch (options.paper.kind) {
       case Paper::Kind::fitted:
         common = sheetAround(largestOf(sizes), options.grid, options.spacing);
+        refuseHuge(common, largestOf(sizes));
         break;
       case Paper::Kind::turnable:
         common = turnedForPages(options.paper.size, sizes, options);
@@ -115,6 +127,7 @@ class SheetPlan {
         common = options.paper.size;
         break;
     }
+    if (ownSizes()) return;
     const Rect cell = cellOf(common, options.grid, options.spacing, 0);
     if (cell.width < 1 || cell.height < 1)
       throw UsageError("margins and gutters leave no room for the pages");
@@ -204,6 +217,14 @@ void addFile(Fingerprint& fingerprint, const std::string& path) {
     fingerprint.add(std::string_view(block).substr(0, static_cast<std::size_t>(file.gcount())));
 }
 
+/// What came through a pipe is gone.
+bool canReadAgain(const std::vector<Input>& inputs) {
+  return std::all_of(inputs.begin(), inputs.end(), [](const Input& input) {
+    std::error_code failed;
+    return std::filesystem::is_regular_file(input.source->path(), failed);
+  });
+}
+
 /// Equal inputs and options give equal identifiers, and so equal outputs; the files' names don't count.
 std::string identifierFor(const NupOptions& options, const std::vector<Input>& inputs,
                           const OutputClaims& claims) {
@@ -265,7 +286,8 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   if (pages == 0) throw SourceError(options.inputs.front(), "no page to place");
   const SheetPlan plan(options, inputs);
   const OutputClaims claims = claimsFor(options, inputs, observer);
-  const std::string id = options.protection ? randomIdentifier() : identifierFor(options, inputs, claims);
+  const bool drawn = options.protection || !canReadAgain(inputs);
+  const std::string id = drawn ? randomIdentifier() : identifierFor(options, inputs, claims);
   std::optional<OutputProtection> protection;
   if (options.protection) protection.emplace(*options.protection, id);
   if (options.protection)

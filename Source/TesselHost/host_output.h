@@ -22,13 +22,18 @@ class MemorySink : public ByteSink {
 
 /// An output file that is there as a whole or not at all.
 ///
-/// The bytes go to a temporary file in the target's directory; commit() renames it to the target. Without a
-/// commit the temporary is removed, and a file that stood at the target stays as it was. A target that isn't
+/// The bytes go to a temporary file in the target's directory, which has no name where the file system can do
+/// that, so that nothing is left however the process ends; commit() names it as the target. Without a commit
+/// the temporary is removed, and a file that stood at the target stays as it was. A target that isn't
 /// a regular file (a device, a pipe), and "-" for standard output, are written to directly.
 class OutputFile : public ByteSink {
  public:
+  enum class Temporary {
+    unnamed,  ///< has a name only where the file system knows no others
+    named,
+  };
   /// Throws OutputError when the file can't be made.
-  explicit OutputFile(const std::string& target);
+  explicit OutputFile(const std::string& target, Temporary kind = Temporary::unnamed);
   ~OutputFile() override;
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
@@ -40,19 +45,23 @@ class OutputFile : public ByteSink {
   void commit();
 
  private:
-  void openTemporary();
+  void openTemporary(Temporary kind);
+  void openUnnamed();
+  void openNamed();
+  void nameTemporary();
   void openTarget();
   void writeThrough(std::string_view bytes);
   void discard() noexcept;
 
   std::string name;       ///< as the user gave it, for messages
   std::string path;       ///< where links lead to
-  std::string temporary;  ///< empty when the target is written directly
+  std::string temporary;  ///< empty while there is none, and when it has no name
+  bool unnamed = false;
   int descriptor = -1;
   std::string buffer;
 };
 
-/// Whether both paths lead to the same existing file.
-bool isSameFile(const std::string& a, const std::string& b);
+/// Whether an output, a path or "-" for standard output, is this existing file.
+bool isSameFile(const std::string& file, const std::string& output);
 
 }  // namespace TesselHost

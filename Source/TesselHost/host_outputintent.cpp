@@ -3,8 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
-#include <iterator>
 #include <map>
 
 #include "TesselHost/host_error.h"
@@ -16,6 +18,8 @@ namespace {
 
 constexpr PdfVersion pdf17{1, 7};
 constexpr std::string_view pdfaSubtype = "GTS_PDFA1";
+// Far beyond any real one.
+constexpr std::size_t longestProfile = std::size_t{256} << 20U;
 
 /// Metadata of a PDF/A file (ISO 19005-2, 6.6.4). A reader of files may not need the blanks that a packet may
 /// be edited in.
@@ -36,8 +40,14 @@ constexpr std::string_view packetForm =
 
 std::string contentOf(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  if (!in) throw UsageError(path + ": the profile can't be read");
+  if (!in) throw HostError(fmt::format("{}: the profile can't be read: {}", path, std::strerror(errno)));
+  std::string bytes;
+  std::array<char, 1U << 16U> block{};
+  while (in.read(block.data(), block.size()), in.gcount() > 0) {
+    bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
+    if (bytes.size() > longestProfile) throw HostError(path + ": too large for an ICC profile");
+  }
+  if (in.bad()) throw HostError(path + ": the profile can't be read");
   return bytes;
 }
 

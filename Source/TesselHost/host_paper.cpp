@@ -12,9 +12,8 @@ namespace TesselHost {
 
 namespace {
 
-// Readers refuse or misdraw sheets beyond these (ISO 32000-1, annex C.2: 14,400 units).
+// ISO 32000-1, annex C.2: 3 units.
 constexpr double smallestSide = 3;
-constexpr double largestSide = 14400;
 
 struct NamedPaper {
   std::string_view name;
@@ -52,7 +51,7 @@ std::optional<Paper> parseNamed(std::string_view text) {
   return std::nullopt;
 }
 
-bool isUsableSide(double points) { return points >= smallestSide && points <= largestSide; }
+bool isUsableSide(double points) { return points >= smallestSide && points <= largestPaperSide; }
 
 std::optional<Paper> parseMeasured(std::string_view text) {
   const auto times = text.find('x');

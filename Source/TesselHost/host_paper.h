@@ -8,6 +8,9 @@
 
 namespace TesselHost {
 
+/// Readers refuse or misdraw what is wider or higher, in points (ISO 32000-1, annex C.2: 14,400 units).
+constexpr double largestPaperSide = 14400;
+
 /// The paper of a sheet, as a user names it.
 struct Paper {
   enum class Kind {

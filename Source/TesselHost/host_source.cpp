@@ -61,7 +61,7 @@ Size PageGeometry::size() const {
 
 Source::Source(const std::string& path, const std::string& password, Form form)
     : file(path), reader(readerOf(path, password, form)) {
-  const Opening opening = openReader(*reader, password);
+  const Opening opening = openFile(*reader, path, password);
   if (opening.result != TESSEL::Result::success) throw SourceError(path, opening.result, opening.reason);
 }
 

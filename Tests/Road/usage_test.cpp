@@ -73,8 +73,92 @@ TEST_F(Usage, AMissingSourceIsStatus1AndOneLine) {
                                                     {"nup", "no.pdf", "-o", "out.pdf", "--grid", "1x1"}}) {
     const Outcome outcome = tessel(arguments);
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "tessel: no.pdf: not a readable PDF (1000)\n");
+    EXPECT_EQ(outcome.err, "tessel: no.pdf: No such file or directory (1000)\n");
   }
+}
+
+TEST_F(Usage, ASourceThatIsNoPdfIsToldOfByWhatItIs) {
+  file("empty.pdf", "");
+  file("x.pdf", "x");
+  const auto said = [this](const std::string& name) { return tessel({"info", name}).err; };
+  EXPECT_EQ(said("empty.pdf"), "tessel: empty.pdf: the file is empty (1000)\n");
+  EXPECT_EQ(said("x.pdf"), "tessel: x.pdf: not a readable PDF (1000)\n");
+  EXPECT_EQ(said("."), "tessel: .: a directory, not a PDF (1000)\n");
+  EXPECT_EQ(said("x.pdf/y"), "tessel: x.pdf/y: Not a directory (1000)\n");
+}
+
+TEST_F(Usage, ACommandThatIsNoneIsNamed) {
+  EXPECT_EQ(tessel({"fly", "in.pdf"}).err,
+            "tessel: 'fly' is none of the commands info, nup and dump; tessel --help tells more\n");
+  EXPECT_EQ(tessel({}).err, "tessel: a command is missing: info, nup or dump; tessel --help tells more\n");
+  EXPECT_EQ(tessel({"nup", "in.pdf"}).err, "tessel: --output is required; tessel nup --help tells more\n");
+}
+
+TEST_F(Usage, ASourceMayComeThroughAPipe) {
+  file("in.pdf", aPage());
+  file("other.pdf", pdf().onePage("/MediaBox[0 0 100 100]/Contents 4 0 R").stream(4, {}, "f").build());
+  const std::string line = quoted(TESSEL_TOOL) + " nup /dev/stdin --grid 1x1 -o ";
+  EXPECT_EQ(shell("cat in.pdf | " + line + "a.pdf && cat other.pdf | " + line + "b.pdf").status, 0);
+  const auto identifier = [this](const std::string& name) {
+    const std::string text = contentOf(name);
+    return text.substr(text.rfind("/ID["));
+  };
+  EXPECT_NE(identifier("a.pdf"), identifier("b.pdf"));
+  // A pipe with a name is there again after it was read, and would be waited for.
+  EXPECT_EQ(shell("mkfifo pipe && cat in.pdf > pipe & sleep 0.2; timeout 10 " + quoted(TESSEL_TOOL) +
+                  " nup pipe --grid 1x1 -o c.pdf")
+                .status,
+            0);
+}
+
+TEST_F(Usage, StandardOutputThatIsAnInputIsRefused) {
+  file("in.pdf", aPage());
+  const Outcome outcome = shell(quoted(TESSEL_TOOL) + " nup in.pdf --grid 1x1 -o - 1<>in.pdf");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.err, "tessel: in.pdf: the output would overwrite this input\n");
+  EXPECT_EQ(contentOf("in.pdf"), aPage());
+}
+
+TEST_F(Usage, SheetsThatNoReaderShowsAreRefused) {
+  file("in.pdf", aPage());
+  for (const char* options : {"--grid 200x1", "--grid 1x1 --margin 8000pt"}) {
+    const Outcome outcome = shell(quoted(TESSEL_TOOL) + " nup in.pdf -o out.pdf " + options);
+    EXPECT_EQ(outcome.status, 2) << options;
+    EXPECT_THAT(files(), ElementsAre("in.pdf")) << options;
+  }
+  file("huge.pdf", pdf().onePage("/MediaBox[0 0 20000 100]").build());
+  EXPECT_EQ(tessel({"nup", "huge.pdf", "-o", "out.pdf", "--grid", "1x1"}).status, 0);
+}
+
+struct SignalCase {
+  const char* name;
+  int status;  ///< 128 and the signal
+};
+
+/// An input that nobody writes to keeps the tool waiting.
+class Interrupted : public RoadTest, public testing::WithParamInterface<SignalCase> {};
+
+TEST_P(Interrupted, EndsByTheSignalAndLeavesNothing) {
+  const Outcome outcome =
+      shell("mkfifo pipe; env --default-signal " + quoted(TESSEL_TOOL) +
+            " nup pipe -o out.pdf --grid 1x1 & sleep 0.3; kill -" + GetParam().name + " $!; wait $!");
+  EXPECT_EQ(outcome.status, GetParam().status);
+  // The shell has a line of its own for some signals.
+  EXPECT_THAT(outcome.err, testing::StartsWith("tessel: interrupted\n"));
+  EXPECT_THAT(files(), ElementsAre("pipe"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, Interrupted,
+                         testing::Values(SignalCase{"INT", 130}, SignalCase{"TERM", 143},
+                                         SignalCase{"HUP", 129}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(Usage, AnInterruptThatIsIgnoredFromTheStartStaysSo) {
+  file("in.pdf", aPage());
+  const Outcome outcome =
+      shell("mkfifo pipe; env --ignore-signal=HUP " + quoted(TESSEL_TOOL) +
+            " nup pipe -o out.pdf --grid 1x1 & sleep 0.3; kill -HUP $!; cat in.pdf > pipe; wait $!");
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
 TEST_F(Usage, OneBadSourceOfSeveralLeavesNoOutput) {

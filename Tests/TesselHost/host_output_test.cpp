@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -27,10 +28,12 @@ std::size_t filesIn(const fs::path& directory) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(directory), fs::directory_iterator()));
 }
 
-class OutputFileTest : public testing::Test {
+class OutputFileTest : public testing::TestWithParam<OutputFile::Temporary> {
  protected:
   void SetUp() override {
-    directory = fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::replace(name.begin(), name.end(), '/', '.');
+    directory = fs::path(testing::TempDir()) / name;
     fs::remove_all(directory);
     fs::create_directories(directory);
     target = (directory / "out.pdf").string();
@@ -41,8 +44,8 @@ class OutputFileTest : public testing::Test {
   std::string target;
 };
 
-TEST_F(OutputFileTest, IsThereAfterCommit) {
-  OutputFile file(target);
+TEST_P(OutputFileTest, IsThereAfterCommit) {
+  OutputFile file(target, GetParam());
   file.write("abc");
   file.write("def");
   EXPECT_FALSE(fs::exists(target));
@@ -51,27 +54,45 @@ TEST_F(OutputFileTest, IsThereAfterCommit) {
   EXPECT_EQ(filesIn(directory), 1U);
 }
 
-TEST_F(OutputFileTest, LeavesNothingWithoutCommit) {
-  { OutputFile(target).write("abc"); }
+TEST_P(OutputFileTest, LeavesNothingWithoutCommit) {
+  { OutputFile(target, GetParam()).write("abc"); }
   EXPECT_EQ(filesIn(directory), 0U);
 }
 
-TEST_F(OutputFileTest, KeepsTheOldFileUntilCommit) {
+TEST(UnnamedTemporary, IsNotInTheDirectory) {
+  const fs::path directory = fs::path(testing::TempDir()) / "unnamed";
+  fs::create_directories(directory);
+  OutputFile file((directory / "out.pdf").string());
+  file.write("abc");
+  file.flush();
+  EXPECT_EQ(filesIn(directory), 0U);
+  fs::remove_all(directory);
+}
+
+TEST_P(OutputFileTest, GetsTheUsualPermissions) {
+  const mode_t before = umask(027);
+  OutputFile file(target, GetParam());
+  file.commit();
+  umask(before);
+  EXPECT_EQ(fs::status(target).permissions(), static_cast<fs::perms>(0640));
+}
+
+TEST_P(OutputFileTest, KeepsTheOldFileUntilCommit) {
   put(target, "old");
-  { OutputFile(target).write("new"); }
+  { OutputFile(target, GetParam()).write("new"); }
   EXPECT_EQ(contentOf(target), "old");
-  OutputFile file(target);
+  OutputFile file(target, GetParam());
   file.write("new");
   file.commit();
   EXPECT_EQ(contentOf(target), "new");
 }
 
-TEST_F(OutputFileTest, KeepsPermissionsAndLinks) {
+TEST_P(OutputFileTest, KeepsPermissionsAndLinks) {
   put(target, "old");
   fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
   const fs::path link = directory / "link.pdf";
   fs::create_symlink(target, link);
-  OutputFile file(link.string());
+  OutputFile file(link.string(), GetParam());
   file.write("new");
   file.commit();
   EXPECT_TRUE(fs::is_symlink(link));
@@ -79,8 +100,8 @@ TEST_F(OutputFileTest, KeepsPermissionsAndLinks) {
   EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(OutputFileTest, TakesMoreThanItsBufferHolds) {
-  OutputFile file(target);
+TEST_P(OutputFileTest, TakesMoreThanItsBufferHolds) {
+  OutputFile file(target, GetParam());
   std::string expected;
   for (int i = 0; i < 5; ++i) {
     const std::string small(100'000, static_cast<char>('a' + i));
@@ -93,24 +114,24 @@ TEST_F(OutputFileTest, TakesMoreThanItsBufferHolds) {
   EXPECT_EQ(contentOf(target), expected);
 }
 
-TEST_F(OutputFileTest, SaysWhyItCanNotBeMade) {
+TEST_P(OutputFileTest, SaysWhyItCanNotBeMade) {
   const std::string nowhere = (directory / "missing" / "out.pdf").string();
   try {
-    OutputFile file(nowhere);
+    OutputFile file(nowhere, GetParam());
     FAIL() << "made a file in a directory that isn't there";
   } catch (const OutputError& failure) {
     EXPECT_EQ(failure.what(), nowhere + ": can't be written: No such file or directory");
   }
 }
 
-TEST_F(OutputFileTest, ReportsAFullDevice) {
-  OutputFile file("/dev/full");
+TEST_P(OutputFileTest, ReportsAFullDevice) {
+  OutputFile file("/dev/full", GetParam());
   file.write("abc");
   EXPECT_THROW(file.commit(), OutputError);
 }
 
-TEST_F(OutputFileTest, WritesToADeviceAsItIs) {
-  OutputFile file("/dev/null");
+TEST_P(OutputFileTest, WritesToADeviceAsItIs) {
+  OutputFile file("/dev/null", GetParam());
   file.write("abc");
   file.commit();
   struct stat status {};
@@ -118,12 +139,18 @@ TEST_F(OutputFileTest, WritesToADeviceAsItIs) {
   EXPECT_TRUE(S_ISCHR(status.st_mode));
 }
 
-TEST_F(OutputFileTest, KnowsOneFileByTwoNames) {
+TEST_P(OutputFileTest, KnowsOneFileByTwoNames) {
   put(target, "x");
   const std::string other = (directory / "." / "out.pdf").string();
   EXPECT_TRUE(isSameFile(target, other));
   EXPECT_FALSE(isSameFile(target, (directory / "missing.pdf").string()));
 }
+
+INSTANTIATE_TEST_SUITE_P(Temporaries, OutputFileTest,
+                         testing::Values(OutputFile::Temporary::unnamed, OutputFile::Temporary::named),
+                         [](const auto& row) {
+                           return row.param == OutputFile::Temporary::named ? "Named" : "Unnamed";
+                         });
 
 }  // namespace
 }  // namespace TesselHost

@@ -2,7 +2,6 @@
 
 #include "TesselHost/host_dump.h"
 #include "TesselHost/host_error.h"
-#include "TesselHost/host_number.h"
 #include "tessel_commands.h"
 #include "tessel_options.h"
 #include "tessel_security.h"
@@ -30,11 +29,6 @@ struct DumpCommand {
   }
 };
 
-std::optional<int> parseStart(const std::string& text) {
-  const auto number = parseCount(text);
-  return number && *number > 0 ? number : std::nullopt;
-}
-
 constexpr const char* footer =
     "The first line tells how opening went, the number of pages and the catalog. Each further\n"
     "line is a page: its geometry, the objects that it brings, its content and resources, and the\n"
@@ -46,10 +40,10 @@ void addDump(CLI::App& program, Job& job) {
   CLI::App* command = program.add_subcommand("dump", "Write what the library hands over as JSON lines");
   const auto dumpCommand = std::make_shared<DumpCommand>();
   DumpOptions& options = dumpCommand->options;
-  command->add_option("file", options.input, "A PDF file")->type_name("FILE")->required();
+  command->add_option("FILE", options.input, "A PDF file")->type_name("")->required();
   addPages(*command, options.pages);
-  addParsed(*command, "--start", options.start, parseStart, "First object number of the output (default: 1)",
-            "an object number")
+  addParsed(*command, "--start", options.start, parsePositive,
+            "First object number of the output (default: 1)", "an object number")
       ->type_name("K");
   command->add_flag("--summary", options.summary, "SHA-256 digests in place of the bytes");
   addPassword(*command, dumpCommand->password);

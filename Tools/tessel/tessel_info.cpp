@@ -5,6 +5,7 @@
 
 #include "TesselHost/host_error.h"
 #include "tessel_commands.h"
+#include "tessel_options.h"
 #include "tessel_security.h"
 #include "tessel_terminal.h"
 
@@ -57,17 +58,15 @@ void addInfo(CLI::App& program, Job& job) {
       "info",
       "Tell version, protection, claims, output intents, pages, annotations, fields, layers and names");
   const auto info = std::make_shared<InfoCommand>();
-  command->add_option("files", info->files, "PDF files")->type_name("FILE")->required();
+  command->add_option("FILE", info->files, "PDF files")->type_name("")->required();
   command->add_flag("--json", info->json, "One line of JSON for each file");
   CLI::Option* profile =
-      command
-          ->add_option("--profile", info->profile,
-                       "Write the ICC profile of this output intent, counted from 1, and tell nothing")
-          ->type_name("N")
-          ->check(CLI::PositiveNumber);
-  CLI::Option* output =
-      command->add_option("-o,--output", info->output, "Where the profile goes; - for standard output")
-          ->type_name("FILE.icc");
+      addParsed(*command, "--profile", info->profile, parsePositive,
+                "Write the ICC profile of this output intent, counted from 1, and tell nothing",
+                "the number of an output intent, counted from 1")
+          ->type_name("N");
+  CLI::Option* output = addOutput(*command, info->output, "Where the profile goes; - for standard output")
+                            ->type_name("FILE.icc");
   profile->needs(output);
   output->needs(profile);
   addPassword(*command, info->password);

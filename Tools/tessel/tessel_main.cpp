@@ -14,7 +14,10 @@ namespace {
 
 constexpr const char* footer =
     "tessel COMMAND --help tells more of a command.\n"
-    "Exit status: 0 done, 1 a file can't be used or written, 2 wrong usage.\n";
+    "Exit status: 0 done, 1 a file can't be used or written, 2 wrong usage; a signal when interrupted.\n";
+
+/// What fails after an interrupt, such as waiting for an input, fails because of it.
+void complainOf(const std::string& failure) { complain(stopSignal() != 0 ? "interrupted" : failure); }
 
 /// Runs the job; every failure becomes one line and an exit status.
 int runJob(const Job& job) {
@@ -24,14 +27,26 @@ int runJob(const Job& job) {
     complain(wrong.what());
     return exitUsage;
   } catch (const std::bad_alloc&) {
-    complain("out of memory");
+    complainOf("out of memory");
   } catch (const std::exception& failure) {
-    complain(failure.what());
+    complainOf(failure.what());
   } catch (int result) {
     // The library throws its results where an operation has none.
-    complain(fmt::format("{} ({})", TesselHost::reasonOf(result), result));
+    complainOf(fmt::format("{} ({})", TesselHost::reasonOf(result), result));
   }
   return exitFailed;
+}
+
+/// " nup" and the like; empty while no command is known.
+std::string commandOf(const CLI::App& program) {
+  const auto used = program.get_subcommands();
+  return used.empty() ? "" : " " + used.front()->get_name();
+}
+
+std::string reasonOf(const CLI::ParseError& wrong, const CLI::App& program, char** argv) {
+  if (argv[0] == nullptr || argv[1] == nullptr) return "a command is missing: info, nup or dump";
+  if (!commandOf(program).empty()) return wrong.what();
+  return fmt::format("'{}' is none of the commands info, nup and dump", argv[1]);
 }
 
 int run(int argc, char** argv) {
@@ -48,7 +63,8 @@ int run(int argc, char** argv) {
   } catch (const CLI::Success& done) {  // --help, --version
     return program.exit(done);
   } catch (const CLI::ParseError& wrong) {
-    complain(fmt::format("{}; tessel --help tells more", wrong.what()));
+    complain(
+        fmt::format("{}; tessel{} --help tells more", reasonOf(wrong, program, argv), commandOf(program)));
     return exitUsage;
   }
   return runJob(job);
@@ -59,6 +75,8 @@ int run(int argc, char** argv) {
 }  // namespace tessel_tool
 
 int main(int argc, char** argv) {
-  tessel_tool::takeSignals();
-  return tessel_tool::run(argc, argv);
+  tessel_tool::ignoreWriteSignals();
+  const int status = tessel_tool::run(argc, argv);
+  if (status == tessel_tool::exitFailed) tessel_tool::endAsAsked();
+  return status;
 }

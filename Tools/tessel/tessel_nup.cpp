@@ -70,8 +70,8 @@ void addNup(CLI::App& program, Job& job) {
   CLI::App* command = program.add_subcommand("nup", "Place several pages on each sheet");
   const auto nupCommand = std::make_shared<NupCommand>();
   NupOptions& options = nupCommand->options;
-  command->add_option("inputs", options.inputs, "PDF files, in order")->type_name("IN")->required();
-  command->add_option("-o,--output", options.output, "The PDF to write; - for standard output")
+  command->add_option("IN", options.inputs, "PDF files, in order")->type_name("")->required();
+  addOutput(*command, options.output, "The PDF to write; - for standard output")
       ->type_name("OUT")
       ->required();
   addSheetOptions(*command, options);

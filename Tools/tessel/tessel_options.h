@@ -1,9 +1,11 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
 
 #include "TesselHost/host_extras.h"
+#include "TesselHost/host_number.h"
 #include "TesselHost/host_outputintent.h"
 #include "TesselHost/host_range.h"
 
@@ -22,6 +24,22 @@ CLI::Option* addParsed(CLI::App& command, const std::string& name, Value& value,
         value = *parsed;
       },
       help);
+}
+
+/// A number that counts from 1.
+inline std::optional<int> parsePositive(const std::string& text) {
+  const auto number = TesselHost::parseCount(text);
+  return number && *number > 0 ? number : std::nullopt;
+}
+
+/// A path; an empty one is a variable of a script that wasn't set.
+inline std::optional<std::string> parsePath(const std::string& text) {
+  return text.empty() ? std::nullopt : std::optional<std::string>(text);
+}
+
+/// --output, alike for every command that writes a file.
+inline CLI::Option* addOutput(CLI::App& command, std::string& path, const std::string& help) {
+  return addParsed(command, "-o,--output", path, parsePath, help, "a path, or - for standard output");
 }
 
 /// --pages, alike for every command.

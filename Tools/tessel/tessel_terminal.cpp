@@ -18,7 +18,18 @@ constexpr const char* clearToEnd = "\r\033[K";
 
 volatile std::sig_atomic_t stopWanted = 0;
 
-void wantStop(int /*signal*/) { stopWanted = 1; }
+void wantStop(int signal) { stopWanted = signal; }
+
+/// What is ignored stays so: the process may have been started to outlive its terminal.
+void catchStop(int signal) {
+  struct sigaction action {};
+  if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
+  action = {};
+  action.sa_handler = wantStop;
+  // Not SA_RESTART, so that waiting for an input ends.
+  action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigaction(signal, &action, nullptr);
+}
 
 }  // namespace
 
@@ -26,7 +37,9 @@ Terminal::Terminal(bool isQuiet, std::string aVerb)
     : quiet(isQuiet),
       onTerminal(isatty(STDERR_FILENO) != 0),
       verb(std::move(aVerb)),
-      nextShow(Clock::now() + firstShow) {}
+      nextShow(Clock::now() + firstShow) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) catchStop(signal);
+}
 
 Terminal::~Terminal() { clearLine(); }
 
@@ -60,9 +73,15 @@ void Terminal::note(const std::string& line) {
 
 void complain(const std::string& line) { fmt::print(stderr, "tessel: {}\n", line); }
 
-void takeSignals() {
-  std::signal(SIGINT, wantStop);
-  std::signal(SIGTERM, wantStop);
+int stopSignal() { return stopWanted; }
+
+void endAsAsked() {
+  if (stopWanted == 0) return;
+  std::signal(stopWanted, SIG_DFL);
+  std::raise(stopWanted);
+}
+
+void ignoreWriteSignals() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
 }

@@ -8,7 +8,7 @@
 namespace tessel_tool {
 
 /// Tells the user of warnings and, on a terminal and when the work is long, of progress. Writes to standard
-/// error.
+/// error. While one lives, the first interrupt stops the job at its next page; a second one ends the process.
 class Terminal : public TesselHost::Observer {
  public:
   /// @param isQuiet  says nothing but errors
@@ -37,7 +37,13 @@ class Terminal : public TesselHost::Observer {
 /// One line about what went wrong, to standard error.
 void complain(const std::string& line);
 
-/// Lets interrupts end a job cleanly, and failed writes be reported in place of ending the process.
-void takeSignals();
+/// Lets failed writes be reported in place of ending the process.
+void ignoreWriteSignals();
+
+/// The signal that asked to stop while there was a Terminal; 0 for none.
+int stopSignal();
+
+/// Ends the process as the signal would have that asked to stop, so that whoever started it sees that.
+void endAsAsked();
 
 }  // namespace tessel_tool
