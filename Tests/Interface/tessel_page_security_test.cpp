@@ -252,6 +252,18 @@ TEST(SourceSecurity, AnUnknownHandlerNeedsNoPassword) {
   EXPECT_EQ(open->SetSourcePassword(), Result::notProtected);
 }
 
+// The text of a dictionary whose nested /Length is no number breaks off.
+TEST(SourceSecurity, APasswordIsTriedAlsoBehindADictionaryThatBreaksOff) {
+  OpenPage open = pdf()
+                      .onePage("")
+                      .object(9, "<</Filter/Standard/V 1/R 2/P -8/CF<</StdCF<</Length/CFM/V2>>>>>>")
+                      .trailer("/Encrypt 9 0 R")
+                      .openPage("x");
+  EXPECT_EQ(open.result, 0);
+  EXPECT_EQ(open->getEncryptString(), "");
+  EXPECT_EQ(tryPassword(*open, "y"), 5);
+}
+
 TEST(SourceSecurity, ADirectDictionaryOpensAndIsToldAsNone) {
   const std::string bytes = protectedPdf(plainFile(), allProtections[1], {"", "own"});
   const std::string reference = "/Encrypt ";

@@ -173,7 +173,9 @@ int CTesselPage::SetSourcePassword() const {
 std::string CTesselPage::getEncryptString() const {
   CSourFile& source = *state->sourFile;
   CDestFile writer;
-  if (!source.fileInfo.encrypt.LocalObj(writer, source, nullptr)) return {};
+  const bool written = source.fileInfo.encrypt.LocalObj(writer, source, nullptr);
+  source.clear();  // a dictionary that breaks off must not keep the next password out
+  if (!written) return {};
   return std::move(static_cast<std::string&>(writer));
 }
 
