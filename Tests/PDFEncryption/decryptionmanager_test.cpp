@@ -218,10 +218,6 @@ TEST(DecryptionManager, UserTestsOfRevisions5And6StoreThePassword) {
   EXPECT_EQ(six.userPassword, "user");
 }
 
-TEST(DecryptionManager, State7ClearsTheOwnerPassword) {
-  EXPECT_EQ(decide(protect(3, 128, "a", "a"), "a").info.ownerPassword, "");
-}
-
 TEST(DecryptionManager, OwnerTestsOfRevisions5And6FindTheFileKeyInOE) {
   for (const int revision : {5, 6}) {
     EncryptInfo info = stored(protect(revision, 256, "user", "owner"));
@@ -332,20 +328,6 @@ TEST(CreateKey, KeepsTheResultInThePassword) {
   EXPECT_EQ(info.fileKey, "");
 }
 
-TEST(CreateKey, HashOnlyTakesThePasswordAloneWithTheRounds) {
-  EncryptInfo info;
-  std::string two = "text", three = "text", expected = "text";
-  info.R = 2;
-  info.keyLength = 40;
-  manager.createKey(info, two, true, true);
-  info.R = 3;
-  manager.createKey(info, three, true, true);
-  PDFEncryptionMD5().MD5(expected, expected, 5);
-  EXPECT_EQ(toHex(two), toHex(expected));
-  for (int i = 0; i < 50; ++i) PDFEncryptionMD5().MD5(expected, expected, 5);
-  EXPECT_EQ(toHex(three), toHex(expected));
-}
-
 TEST(CreateKey, OnABufferEqualsTheStringForm) {
   for (const auto& [revision, length] : {std::pair{2, 40}, {3, 128}, {4, 128}}) {
     EncryptInfo byString = stored(protect(revision, length, "user", "owner")), byBuffer = byString;
@@ -354,36 +336,6 @@ TEST(CreateKey, OnABufferEqualsTheStringForm) {
     manager.createKey(byBuffer, raw::at(buffer), false, false);
     EXPECT_EQ(toHex(byBuffer.fileKey), toHex(byString.fileKey));
   }
-}
-
-TEST(CreateKey, OnABufferHashOnlyLeavesOutTheRounds) {
-  EncryptInfo info;
-  info.R = 3;
-  info.keyLength = 128;
-  std::string buffer = padText, expected = padText;
-  manager.createKey(info, raw::at(buffer), true, true);
-  PDFEncryptionMD5().MD5(expected, expected, 16);
-  EXPECT_EQ(toHex(buffer), toHex(expected) + toHex(padText.substr(16)));
-}
-
-TEST(CreateKey, OnABufferHashesAtMost256Bytes) {
-  EncryptInfo info = stored(protect(3, 128, "user", "owner")), longer = info;
-  std::string buffer = padText;
-  info.fileIdentifier = std::string(32 + 256, 'i');
-  longer.fileIdentifier = std::string(32 + 999, 'i');
-  manager.createKey(info, raw::at(buffer), false, false);
-  manager.createKey(longer, raw::at(buffer), false, false);
-  EXPECT_EQ(toHex(info.fileKey), toHex(longer.fileKey));
-}
-
-TEST(CreateKey, OnABufferTakesTheValidationSaltOf256BitKeys) {
-  EncryptInfo info = stored(protect(5, 256, "user", "owner")), swapped = info;
-  std::string buffer("user\0", 5), text = "user";
-  info.U.replace(32, 16, "validatekeyofkey");
-  swapped.U.replace(32, 16, "keyofkeyvalidate");
-  manager.createKey(info, raw::at(buffer), false, false);
-  manager.createKey(swapped, text, false, false);
-  EXPECT_EQ(toHex(info.fileKey), toHex(swapped.fileKey));
 }
 
 TEST(CreateKey, OfTheOwnerTakesOEAndOfTheUserUE) {

@@ -121,14 +121,6 @@ TEST(EncryptionManager, FileKeyOfRevision5DoesNotDependOnThePassword) {
   EXPECT_EQ(one.fileKey.size(), 32U);
 }
 
-TEST(EncryptionManager, MetadataInTheClearChangesTheFileKeyOfEveryRevisionUpTo4) {
-  EncryptInfo info = protect(3, 128, "user", "owner");
-  const std::string key = info.fileKey;
-  info.encryptMetadata = false;
-  PDFEncryptionManager().createKey(info, "user");
-  EXPECT_NE(info.fileKey, key);
-}
-
 TEST(EncryptionManager, OwnerEntryHas32BytesForLongPasswordsToo) {
   EXPECT_EQ(protect(3, 128, std::string(200, 'u'), std::string(200, 'o')).O.size(), 32U);
 }

@@ -122,6 +122,31 @@ TEST(Md5, BufferFormCountsTheLengthIn16Bits) {
   EXPECT_EQ(digest, md5("xxx"));
 }
 
+TEST(Md5, BufferFormTakesADigestLengthBelow1ForNone) {
+  std::string message = "abc", digest(16, '.');
+  for (const int length : {0, -1}) PDFEncryptionMD5().MD5(raw::at(message), 3, raw::at(digest), length);
+  EXPECT_EQ(digest, std::string(16, '.'));
+}
+
+TEST(Md5, BufferFormTakes65535BytesAndNeverMoreThan16OfTheDigest) {
+  std::string message(65535, 'x'), digest(20, '.');
+  PDFEncryptionMD5().MD5(raw::at(message), 65535, raw::at(digest), 20);
+  EXPECT_EQ(digest, md5(message) + "....");
+}
+
+TEST(Md5, StepsWorkOneBlockAndCopyAndFillBytes) {
+  PDFEncryptionMD5 md5;
+  std::uint32_t state[4] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
+  std::string block = "abc\x80" + std::string(60, '\0'), digest(16, '?');
+  block[56] = 24;
+  md5.MD5Transform(state, raw::at(block));
+  md5.Encode(raw::at(digest), state, 16);
+  EXPECT_EQ(toHex(digest), "900150983cd24fb0d6963f7d28e17f72");
+  md5.MD5_memcpy(raw::at(digest), raw::at(block), 3);
+  md5.MD5_memset(raw::at(digest) + 3, 'x', 2);
+  EXPECT_EQ(digest.substr(0, 5), "abcxx");
+}
+
 TEST(Md5, DigestMayReplaceTheMessage) {
   std::string text = "abc";
   PDFEncryptionMD5().MD5(text, text, 16);
@@ -201,6 +226,17 @@ TEST(Sha256, InPiecesEqualsWhole) {
   }
 }
 
+TEST(Sha256, CalcBlockWorksOneBlockIntoTheState) {
+  long hash[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                  0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+  long schedule[64] = {0x61626380};  // "abc" and the bit behind it
+  schedule[15] = 24;
+  EXPECT_EQ(Sha256Calc_calcBlock(hash, schedule), 0);
+  const long expected[8] = {0xba7816bf, 0x8f01cfea, 0x414140de, 0x5dae2223,
+                            0xb00361a3, 0x96177a9c, 0xb410ff61, 0xf20015ad};
+  EXPECT_TRUE(std::equal(std::begin(hash), std::end(hash), expected));
+}
+
 TEST(Sha256, ResetBeginsAnew) {
   _Sha256Calc context;
   Sha256Calc_init(&context);
@@ -243,6 +279,19 @@ TEST(Sha512, InPiecesEqualsWhole) {
     SHA512Final(&context, raw::at(digest));
     EXPECT_EQ(toHex(digest), toHex(sha512(message))) << piece;
   }
+}
+
+TEST(Sha512, LengthBelow1AddsNothing) {
+  SHA512_CTX context;
+  std::string digest(64, '?'), small(48, '?');
+  SHA512Init(&context);
+  for (const int length : {0, -5, 3}) SHA512Update(&context, raw::at(std::string("abc")), length);
+  SHA512Final(&context, raw::at(digest));
+  EXPECT_EQ(toHex(digest), toHex(sha512("abc")));
+  SHA384Init(&context);
+  for (const int length : {3, -5, 0}) SHA384Update(&context, raw::at(std::string("abc")), length);
+  SHA384Final(&context, raw::at(small));
+  EXPECT_EQ(toHex(small), toHex(sha384("abc")));
 }
 
 // The paths of SHA-256, each fed with padded messages.

@@ -65,6 +65,18 @@ TEST(Rc4, EmptyKeyLeavesTheIdentityAndStillChangesTheData) {
   EXPECT_EQ(toHex(rc4(std::string(4, '\0'), "")), "0205070d");
 }
 
+TEST(Rc4, KeyLengthBelow1LeavesTheIdentityInEveryForm) {
+  std::string data(4, '\0'), string(4, '\0'), keyed(4, '\0'), prepared(4, '\0'), key = "key";
+  PDFEncryptionRC4::RC4_KEY state;
+  PDFEncryptionRC4 cipher(raw::at(key), 0);
+  cipher.RC4(raw::at(data), 4, raw::at(key), -1);
+  cipher.RC4(string, 4, "");
+  EXPECT_EQ(cipher.newRC4(raw::at(keyed), 4), 1);
+  cipher.PrepareKey(raw::at(key), 0, &state);
+  cipher.RC4Imp(raw::at(prepared), 4, &state);
+  for (const std::string& result : {data, string, keyed, prepared}) EXPECT_EQ(toHex(result), "0205070d");
+}
+
 TEST(Rc4, KeyCountsWithItsFirst256BytesOnly) {
   const std::string key = raw::random(300, 3);
   const std::string data(300, '\0');

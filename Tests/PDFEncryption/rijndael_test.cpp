@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+
 #include "PDFEncryption/rijndael_blocks.h"
 #include "PDFEncryption/rijndael_tables.h"
 #include "Tests/PDFEncryption/bytes_in_tests.h"
@@ -76,6 +78,37 @@ TEST(AesTables, ColumnsJoinSubstitutionAndMixing) {
   EXPECT_EQ(aes::T2[0], 0xa5c66363U);
   EXPECT_EQ(aes::T5[0], 0x51f4a750U);
   EXPECT_EQ(aes::U1[1], 0x0e090d0bU);
+}
+
+TEST(AesTables, ColumnsFollowFromTheSubstitutionByRule) {
+  const auto doubled = [](unsigned int v) { return ((v << 1) ^ ((v & 0x80) != 0 ? 0x11b : 0)) & 0xff; };
+  const auto times = [&](unsigned int v, unsigned int by) {
+    unsigned int sum = 0;
+    for (; by != 0; by >>= 1, v = doubled(v)) sum ^= (by & 1) != 0 ? v : 0;
+    return sum;
+  };
+  const auto column = [&](unsigned int v, unsigned int a, unsigned int b, unsigned int c, unsigned int d) {
+    return times(v, a) << 24 | times(v, b) << 16 | times(v, c) << 8 | times(v, d);
+  };
+  for (unsigned int i = 0; i < 256; ++i) {
+    EXPECT_EQ(aes::T1[i], column(aes::S[i], 2, 1, 1, 3));
+    EXPECT_EQ(aes::T5[i], column(aes::S5[i], 14, 9, 13, 11));
+    EXPECT_EQ(aes::U1[i], column(i, 14, 9, 13, 11));
+  }
+}
+
+TEST(AesTables, EachColumnIsTheOneBeforeTurnedByAByte) {
+  for (unsigned int i = 0; i < 256; ++i) {
+    EXPECT_EQ(aes::T2[i], std::rotr(aes::T1[i], 8));
+    EXPECT_EQ(aes::T3[i], std::rotr(aes::T2[i], 8));
+    EXPECT_EQ(aes::T4[i], std::rotr(aes::T3[i], 8));
+    EXPECT_EQ(aes::T6[i], std::rotr(aes::T5[i], 8));
+    EXPECT_EQ(aes::T7[i], std::rotr(aes::T6[i], 8));
+    EXPECT_EQ(aes::T8[i], std::rotr(aes::T7[i], 8));
+    EXPECT_EQ(aes::U2[i], std::rotr(aes::U1[i], 8));
+    EXPECT_EQ(aes::U3[i], std::rotr(aes::U2[i], 8));
+    EXPECT_EQ(aes::U4[i], std::rotr(aes::U3[i], 8));
+  }
 }
 
 // FIPS 197, B and C.
@@ -163,6 +196,25 @@ TEST_P(Aes, FeedbackOfOneBitEqualsOpensslInBothWays) {
   const std::string expected = openssl(opensslArguments("", 128, "cfb1"), plain);
   EXPECT_EQ(blocks(set(Rijndael::CFB1, Rijndael::Encrypt), &Rijndael::blockEncrypt, plain), expected);
   EXPECT_EQ(blocks(set(Rijndael::CFB1, Rijndael::Encrypt), &Rijndael::blockDecrypt, expected), plain);
+}
+
+// The cipher runs forwards whatever the direction; that of decryption has turned the keys for the other way.
+TEST_P(Aes, FeedbackOfOneBitTakesBothDirectionsForDecryption) {
+  const std::string text = "0123456789abcdef";
+  EXPECT_EQ(toHex(blocks(set(Rijndael::CFB1, Rijndael::Encrypt), &Rijndael::blockDecrypt, text)),
+            "1e803c71421b4e51a32fabe3a586a761");
+  EXPECT_EQ(toHex(blocks(set(Rijndael::CFB1, Rijndael::Decrypt), &Rijndael::blockDecrypt, text)),
+            "207d91de8153478d53cf372ff59c778e");
+  EXPECT_EQ(run(set(Rijndael::CFB1, Rijndael::Decrypt), &Rijndael::blockEncrypt, text), "status -6");
+}
+
+TEST_P(Aes, FeedbackOfOneBitBeginsAtTheInitialVectorEachTimeAndCountsWholeBlocks) {
+  Rijndael feedback = set(Rijndael::CFB1, Rijndael::Encrypt);
+  std::string input = "0123456789abcdef", first = input + "rest", second = input;
+  EXPECT_EQ(feedback.blockEncrypt(raw::at(input), 8 * 20, raw::at(first)), 128);
+  EXPECT_EQ(toHex(first), "1fa781a2c951ddd816f0efb9a85ec824" + toHex("rest"));
+  feedback.blockEncrypt(raw::at(input), 128, raw::at(second));
+  EXPECT_EQ(toHex(second), "1fa781a2c951ddd816f0efb9a85ec824");
 }
 
 // Counts, and what a call leaves behind.
@@ -311,6 +363,48 @@ TEST_P(Aes, EndOfDecryptionRefusesBadPaddingAndOtherLengths) {
   EXPECT_EQ(run(chain, &Rijndael::pdfDecryptEnd, bad.substr(1)), "status -7");
 }
 
+TEST_P(Aes, PiecesGoOnWhereTheyStoppedWhateverBlocksCameBetween) {
+  const std::string plain = raw::random(40, 12);
+  const std::string expected = run(set(Rijndael::CBC, Rijndael::Encrypt), &Rijndael::padEncrypt, plain);
+  Rijndael chain = set(Rijndael::CBC, Rijndael::Encrypt);
+  std::string output(48, '?'), other(48, '?');
+  chain.pdfEncrypt(raw::at(plain), 16, raw::at(output));
+  chain.blockEncrypt(raw::at(plain), 256, raw::at(other));
+  chain.padEncrypt(raw::at(plain), 20, raw::at(other));
+  chain.pdfEncrypt(raw::at(plain) + 16, 16, raw::at(output) + 16);
+  chain.pdfEncryptEnd(raw::at(plain) + 32, 8, raw::at(output) + 32);
+  EXPECT_EQ(output, expected);
+}
+
+TEST_P(Aes, InitBeginsTheMessageAnew) {
+  const std::string plain(16, 'x');
+  Rijndael chain = set(Rijndael::CBC, Rijndael::Encrypt);
+  const std::string first = run(chain, &Rijndael::pdfEncrypt, plain);
+  std::string again(16, '?');
+  chain.pdfEncrypt(raw::at(plain), 16, raw::at(again));
+  chain.init(Rijndael::CBC, Rijndael::Encrypt, raw::at(keyBytes), Rijndael::Key16Bytes, raw::at(someVector));
+  chain.pdfEncrypt(raw::at(plain), 16, raw::at(again));
+  EXPECT_EQ(again, first);
+}
+
+TEST_P(Aes, NullVectorStandsForZerosInPiecesToo) {
+  const std::string plain(16, 'x');
+  Rijndael chain = cipher();
+  chain.init(Rijndael::CBC, Rijndael::Encrypt, raw::at(keyBytes), Rijndael::Key16Bytes);
+  EXPECT_EQ(run(chain, &Rijndael::pdfEncrypt, plain),
+            run(set(Rijndael::CBC, Rijndael::Encrypt, Rijndael::Key16Bytes, keyBytes, std::string(16, '\0')),
+                &Rijndael::pdfEncrypt, plain));
+}
+
+TEST_P(Aes, EveryPaddingOfALastPieceComesOff) {
+  for (std::size_t size = 0; size < 16; ++size) {
+    const std::string plain(size, 'x');
+    const std::string block = run(set(Rijndael::CBC, Rijndael::Encrypt), &Rijndael::pdfEncryptEnd, plain);
+    EXPECT_EQ(block, run(set(Rijndael::CBC, Rijndael::Encrypt), &Rijndael::padEncrypt, plain)) << size;
+    EXPECT_EQ(run(set(Rijndael::CBC, Rijndael::Decrypt), &Rijndael::pdfDecryptEnd, block), plain) << size;
+  }
+}
+
 // Statuses.
 
 constexpr Operation encryptions[] = {&Rijndael::blockEncrypt, &Rijndael::padEncrypt, &Rijndael::pdfEncrypt,
@@ -375,6 +469,34 @@ TEST_P(Aes, FailedInitLeavesAGoodObjectNotInitialised) {
   Rijndael r = set(Rijndael::ECB, Rijndael::Encrypt);
   EXPECT_EQ(r.init(Rijndael::ECB, Rijndael::Encrypt, nullptr, Rijndael::Key16Bytes), -4);
   EXPECT_EQ(run(r, &Rijndael::blockEncrypt, std::string(16, 'x')), "status -5");
+}
+
+TEST_P(Aes, ALengthOf0Gives0WhereThereIsNoPaddingToWrite) {
+  std::string text(16, 'x'), output(16, '.');
+  for (const Operation o : {&Rijndael::blockEncrypt, &Rijndael::pdfEncrypt}) {
+    Rijndael chain = set(Rijndael::CBC, Rijndael::Encrypt);
+    EXPECT_EQ((chain.*o)(raw::at(text), 0, raw::at(output)), 0);
+  }
+  EXPECT_EQ(output, std::string(16, '.'));
+}
+
+TEST_P(Aes, BlocksAreWorkedInEveryModeAndInTheirDirectionOnly) {
+  const std::string text(16, 'x');
+  for (const auto mode : {Rijndael::ECB, Rijndael::CBC}) {
+    EXPECT_EQ(run(set(mode, Rijndael::Decrypt), &Rijndael::blockEncrypt, text), "status -6");
+    EXPECT_EQ(run(set(mode, Rijndael::Encrypt), &Rijndael::blockDecrypt, text), "status -6");
+    EXPECT_EQ(run(set(mode, Rijndael::Decrypt), &Rijndael::padEncrypt, text), "status -5");
+    EXPECT_EQ(run(set(mode, Rijndael::Encrypt), &Rijndael::padDecrypt, text), "status -6");
+    EXPECT_EQ(run(set(mode, Rijndael::Decrypt), &Rijndael::padDecrypt, text + "x"), "status -7");
+  }
+}
+
+TEST_P(Aes, InitLooksAtModeAndDirectionAndThenAtTheKey) {
+  Rijndael r = cipher();
+  EXPECT_EQ(r.init(Rijndael::Mode(3), Rijndael::Direction(2), nullptr, Rijndael::KeyLength(3)), -1);
+  EXPECT_EQ(r.init(Rijndael::CFB1, Rijndael::Direction(2), nullptr, Rijndael::KeyLength(3)), -2);
+  EXPECT_EQ(r.init(Rijndael::CFB1, Rijndael::Decrypt, nullptr, Rijndael::KeyLength(3)), -3);
+  EXPECT_EQ(r.init(Rijndael::CFB1, Rijndael::Decrypt, nullptr, Rijndael::Key32Bytes), -4);
 }
 
 // The paths themselves, on every count of blocks around the number that is worked side by side.
