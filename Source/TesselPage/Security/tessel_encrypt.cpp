@@ -126,6 +126,7 @@ class EncryptScan {
   }
   Turn readCryptFilters();
   void readCryptFilter();
+  void readMethod();
   template <void (EncryptScan::*read)()>
   void readDictionary();
   bool tryReference(SObj& object);
@@ -209,13 +210,20 @@ void EncryptScan::findCryptFilters() {
 void EncryptScan::readCryptFilter() {
   Nesting nesting;
   while (source.good() && !nesting.closes(next())) {
-    if (word == nmLength) next();  // the key length is that of the main dictionary
-    if (word == nmEncryptMetadata) readMetadataFlag();
-    if (word != nmCFM) continue;
-    next();
-    aesV2 = aesV2 || word == nmAESV2;
-    aesV3 = aesV3 || word == nmAESV3;
+    if (word == nmLength) {
+      next();  // the key length is that of the main dictionary
+    } else if (word == nmEncryptMetadata) {
+      readMetadataFlag();
+    } else if (word == nmCFM) {
+      readMethod();
+    }
   }
+}
+
+void EncryptScan::readMethod() {
+  next();
+  aesV2 = aesV2 || word == nmAESV2;
+  aesV3 = aesV3 || word == nmAESV3;
 }
 
 bool CEncrypt::Read(CSourFile& source) {
