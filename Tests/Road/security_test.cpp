@@ -356,13 +356,17 @@ TEST_P(ProtectedOutput, IsSoundAndLooksLikeItsSourceWithBothPasswords) {
   expectSameLook("out.pdf", "use");
 }
 
-TEST_P(ProtectedOutput, OpensWithNoOtherPassword) {
+TEST_P(ProtectedOutput, OpensWithBothPasswordsAndNoOther) {
   ASSERT_EQ(placeProtected("plain.pdf").status, 0);
-  for (const std::string wrong : {"''", "x"}) {
-    EXPECT_NE(shell("qpdf --check --password=" + wrong + " out.pdf").status, 0);
-    EXPECT_NE(shell("pdfinfo -upw " + wrong + " -opw " + wrong + " out.pdf").status, 0);
-    EXPECT_NE(shell("mutool draw -q -F txt -p " + wrong + " out.pdf").status, 0);
-    EXPECT_EQ(tessel({"info", "out.pdf", "--password", wrong}).status, 1);
+  const std::vector<std::pair<std::string, bool>> rows{{"use", true},    {"own", true}, {"''", false},
+                                                       {"x", false},     {"us", false}, {"USE", false},
+                                                       {"useown", false}};
+  for (const auto& [password, good] : rows) {
+    EXPECT_EQ(shell("qpdf --check --password=" + password + " out.pdf").status == 0, good) << password;
+    EXPECT_EQ(shell("pdfinfo -upw " + password + " -opw " + password + " out.pdf").status == 0, good)
+        << password;
+    EXPECT_EQ(shell("mutool draw -q -F txt -p " + password + " out.pdf").status == 0, good) << password;
+    EXPECT_EQ(tessel({"info", "out.pdf", "--password", password == "''" ? "" : password}).status == 0, good);
   }
 }
 
