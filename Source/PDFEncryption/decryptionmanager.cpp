@@ -36,6 +36,12 @@ bool keyBytesEqual(const EncryptInfo& info, const std::string& a, const std::str
   return count > 0 && startsEqual(a, b, static_cast<std::size_t>(count));
 }
 
+/// The state of a file that the empty password doesn't open.
+int stateOf(bool user, bool owner) {
+  if (user) return owner ? PDFDecryptionManager::userAndOwner : PDFDecryptionManager::userOnly;
+  return owner ? PDFDecryptionManager::ownerOnly : PDFDecryptionManager::neither;
+}
+
 void setAccess(EncryptInfo& info, bool first, bool second) {
   info.firstAccess = first;
   info.secondAccess = second;
@@ -87,8 +93,15 @@ int PDFDecryptionManager::calPassWordState(EncryptInfo& info, std::string& passw
   const bool owner = isOwnerPWD(info, password);
   setAccess(info, user != owner, true);
   if (user && owner) info.ownerPassword.clear();
-  if (user) return owner ? userAndOwner : userOnly;
-  return owner ? ownerOnly : neither;
+  return stateOf(user, owner);
+}
+
+int PDFDecryptionManager::stateByKeys(EncryptInfo& info, std::string& password) const {
+  if (info.R < revision3 || info.R >= revision5) return calPassWordState(info, password);
+  std::string tried = padded(password);
+  const bool owner = tryOwner(info, tried);
+  if (tryEmpty(info)) return owner ? emptyAndOwner : emptyNotOwner;
+  return stateOf(PdfTryKey(info, tried), owner);
 }
 
 bool PDFDecryptionManager::getFileKey(EncryptInfo& info, const std::string& password, bool& passwordNeeded,
@@ -102,10 +115,7 @@ bool PDFDecryptionManager::getFileKey(EncryptInfo& info, const std::string& pass
   if (PdfTryKey(info, key) && !password.empty()) return true;
   if (info.R == revision6) return isOwnerPWD6(info, password);
   if (info.R == revision5) return isOwnerPWD5(info, password);
-  const std::string hash = stretched(md5(key, keyBytes(info.keyLength)), info.R, info.keyLength);
-  const bool single = info.R < revision3;
-  std::string user = single ? rc4(entry(info.O), hash) : rc4Passes(entry(info.O), hash, lastPass, 0);
-  return PdfTryKey(info, user);
+  return tryOwner(info, key);
 }
 
 bool PDFDecryptionManager::PdfTryKey(EncryptInfo& info, std::string& paddedPassword) const {
@@ -245,6 +255,14 @@ bool PDFDecryptionManager::findKey(EncryptInfo& info, const std::string& passwor
 /// the owner test finds the key.
 bool PDFDecryptionManager::tryShortOwner(EncryptInfo& info, const std::string& padded) const {
   std::string user = rc4(entry(info.O), md5(padded, keyBytes(info.keyLength)));
+  return PdfTryKey(info, user);
+}
+
+/// Recovers the user password (ISO 32000-2, 7.6.4.4.6, Algorithm 7) and tries it.
+bool PDFDecryptionManager::tryOwner(EncryptInfo& info, const std::string& padded) const {
+  const std::string hash = stretched(md5(padded, keyBytes(info.keyLength)), info.R, info.keyLength);
+  const bool single = info.R < revision3;
+  std::string user = single ? rc4(entry(info.O), hash) : rc4Passes(entry(info.O), hash, lastPass, 0);
   return PdfTryKey(info, user);
 }
 

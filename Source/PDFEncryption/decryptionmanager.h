@@ -28,6 +28,11 @@ class PDFDecryptionManager : public PDFEncryptionBase {
   /// first flag alone for 2 and 6, the second alone for 5 and 7, both for 3 and 4.
   int calPassWordState(EncryptInfo& info, std::string& password) const;
 
+  /// Beyond the handler's own decision: the same state, told in revisions 3 and 4 by the keys alone that the
+  /// password makes. `calPassWordState` takes the right passwords for wrong ones there when the file
+  /// identifier begins with a zero byte. The file key in `info` is rubbish afterwards.
+  int stateByKeys(EncryptInfo& info, std::string& password) const;
+
   /// Finds the file key: by the empty password, by `password` as the user password, by it as the owner
   /// password.
   ///
@@ -84,6 +89,7 @@ class PDFDecryptionManager : public PDFEncryptionBase {
   bool tryEmpty(EncryptInfo& info) const;
   bool findKey(EncryptInfo& info, const std::string& password) const;
   bool tryShortOwner(EncryptInfo& info, const std::string& padded) const;
+  bool tryOwner(EncryptInfo& info, const std::string& padded) const;
   bool testUser(EncryptInfo& info, const std::string& password) const;
   bool isUserPWDR2(EncryptInfo& info, std::string& padded) const;
   bool isOwnerPWDR2(EncryptInfo& info, const std::string& password) const;

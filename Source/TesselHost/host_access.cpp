@@ -64,11 +64,11 @@ bool isUnknown(const CTesselPage& reader) {
 Opening openReader(CTesselPage& reader, const std::string& password) {
   pcrypt::PDFEncryptionManager::useSystemRandom();
   int result = reader.init();
-  int state = reader.SetSourcePassword();
+  int state = reader.getPasswordState();
   for (const std::string& form : furtherForms(password)) {
     if (isSettled(state)) break;
     result = reopen(reader, form);
-    state = reader.SetSourcePassword();
+    state = reader.getPasswordState();
   }
   if (state == PDFDecryptionManager::neither)
     return {Result::wrongPassword, password.empty() ? "it needs a password" : "the password doesn't open it"};
@@ -98,7 +98,7 @@ Opening openFile(CTesselPage& reader, const std::string& path, const std::string
 }
 
 Access::Access(const CTesselPage& reader)
-    : security(reader.getSourceSecurity()), passwordState(reader.SetSourcePassword()) {}
+    : security(reader.getSourceSecurity()), passwordState(reader.getPasswordState()) {}
 
 std::string Access::method() const {
   switch (security.method) {

@@ -105,6 +105,47 @@ TEST(SecurityEdges, AShorterPasswordLeavesNothingOfTheOneBefore) {
   EXPECT_EQ(open->SetSourcePassword("own"), 3);
 }
 
+struct StateCase {
+  const char *user, *owner, *given;
+  int told;
+  int known;
+};
+
+// The state that is told leaves such an identifier out of its test; the file opens nevertheless.
+TEST(SecurityEdges, AnIdentifierBehindAZeroByteSpoilsTheStateAndNotTheSource) {
+  const std::string whole = plainFile();
+  const std::string digits = "<3031";
+  std::string plain = whole;
+  plain.replace(plain.find(digits), digits.size(), "<0031");
+  constexpr StateCase rows[] = {{"use", "own", "use", 5, 4}, {"use", "own", "own", 5, 3},
+                                {"use", "own", "x", 5, 5},   {"", "own", "own", 6, 2},
+                                {"", "own", "x", 6, 6},      {"a", "a", "a", 5, 7}};
+  for (const Protection& protection : {allProtections[1], allProtections[2], allProtections[3]}) {
+    for (const StateCase& row : rows) {
+      const std::string bytes = protectedPdf(plain, protection, {row.user, row.owner});
+      OpenPage open = PdfBuilder::openPageBytes(bytes, row.given);
+      EXPECT_EQ(open->SetSourcePassword(), row.told) << row.given;
+      EXPECT_EQ(open->getPasswordState(), row.known) << row.given;
+      EXPECT_EQ(readsPlain(*open), row.known != 5) << row.given;
+    }
+  }
+}
+
+TEST(SecurityEdges, PasswordStateIsElsewhereTheOneThatIsTold) {
+  constexpr StateCase rows[] = {{"use", "own", "use", 4, 4}, {"use", "own", "own", 3, 3},
+                                {"use", "own", "x", 5, 5},   {"", "own", "own", 2, 2},
+                                {"", "own", "x", 6, 6},      {"a", "a", "a", 7, 7}};
+  for (const Protection& protection : allProtections) {
+    for (const StateCase& row : rows) {
+      const std::string bytes = protectedPdf(plainFile(), protection, {row.user, row.owner});
+      const OpenPage open = PdfBuilder::openPageBytes(bytes, row.given);
+      EXPECT_EQ(open->getPasswordState(), row.known) << protection << ' ' << row.given;
+    }
+  }
+  EXPECT_EQ(PdfBuilder::openPageBytes(plainFile())->getPasswordState(), Result::notProtected);
+  EXPECT_EQ(openWith("<</Filter/Adobe.PubSec/V 2/R 3>>")->getPasswordState(), Result::passwordNotTried);
+}
+
 struct FingerprintCase {
   std::size_t size;
   const char* digest;

@@ -111,6 +111,51 @@ TEST(UserPassword, TestOfRevision2StoresNothingAndLeavesTheFileKey) {
   EXPECT_EQ(info.userPassword, "left over");
 }
 
+// A file identifier that begins with a zero byte.
+
+struct StateCase {
+  const char *user, *owner, *given;
+  int state;
+  int stateBehindAZeroByte;  ///< by the handler's own decision
+};
+constexpr StateCase states[] = {{"", "own", "own", 2, 6},    {"", "own", "x", 6, 6},
+                                {"", "own", "", 6, 6},       {"use", "own", "own", 3, 5},
+                                {"use", "own", "use", 4, 5}, {"use", "own", "x", 5, 5},
+                                {"use", "own", "", 5, 5},    {"a", "a", "a", 7, 5}};
+
+const std::string zeroIdentifier = '\0' + std::string("entifier-of-16 ");
+
+TEST(IdentifierBehindAZeroByte, TakesRightPasswordsForWrongOnesInRevisions3And4) {
+  for (const StateCase& row : states) {
+    for (const Kind& kind : kinds) {
+      const bool mistaken = kind.revision == 3 || kind.revision == 4;
+      const EncryptInfo made = protect(kind.revision, kind.keyLength, row.user, row.owner, zeroIdentifier);
+      decided(stored(made), row.given, mistaken ? row.stateBehindAZeroByte : row.state);
+    }
+  }
+}
+
+TEST(IdentifierBehindAZeroByte, LeavesTheRightFileKeyAllTheSame) {
+  for (const StateCase& row : states) {
+    const EncryptInfo made = protect(3, 128, row.user, row.owner, zeroIdentifier);
+    const EncryptInfo info = decided(stored(made), row.given, row.stateBehindAZeroByte);
+    EXPECT_EQ(info.fileKey == made.fileKey, row.state != 5) << row.user << ' ' << row.given;
+  }
+}
+
+TEST(StateByKeys, IsRightWhateverTheIdentifierBeginsWith) {
+  for (const StateCase& row : states) {
+    for (const Kind& kind : kinds) {
+      for (const std::string& identifier : {zeroIdentifier, std::string("identifier-of-16"), std::string()}) {
+        EncryptInfo info = stored(protect(kind.revision, kind.keyLength, row.user, row.owner, identifier));
+        std::string password = row.given;
+        EXPECT_EQ(manager.stateByKeys(info, password), row.state) << kind.revision << ' ' << row.given;
+        EXPECT_EQ(password, row.given);
+      }
+    }
+  }
+}
+
 // How much of /U and /O counts.
 
 struct CompareCase {

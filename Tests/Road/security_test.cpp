@@ -155,6 +155,23 @@ TEST_P(ProtectedSource, LooksLikeThePlainOne) {
 
 INSTANTIATE_TEST_SUITE_P(AllRevisions, ProtectedSource, testing::ValuesIn(allOpenings()), openingName);
 
+TEST_F(Security, ASourceWhoseIdentifierBeginsWithAZeroByteOpens) {
+  std::string plain = colourfulPage();
+  plain.replace(plain.find("<3031"), 5, "<0031");
+  for (const std::size_t kind : {1U, 2U, 3U}) {
+    file("in.pdf", protectedPdf(plain, allProtections[kind], {"use", "own"}));
+    EXPECT_EQ(openedWith("in.pdf", "use"), "user");
+    EXPECT_EQ(openedWith("in.pdf", "own"), "owner");
+    EXPECT_EQ(openedWith("in.pdf", "x"), "");
+    EXPECT_EQ(place("in.pdf", {"--password", "use"}).status, 0);
+    expectSameLook("out.pdf");
+  }
+  file("in.pdf", protectedPdf(plain, allProtections[3], {"", "own"}, Layout::classicTable, "--modify=none"));
+  EXPECT_EQ(openedWith("in.pdf", "own"), "owner");
+  EXPECT_EQ(place("in.pdf", {"--password", "own"}).status, 0);
+  EXPECT_EQ(place("in.pdf", {}).status, 1);
+}
+
 TEST_F(Security, ASourceForCertificatesIsRefused) {
   file("in.pdf", pdf()
                      .onePage("/MediaBox[0 0 9 9]")

@@ -170,6 +170,15 @@ int CTesselPage::SetSourcePassword() const {
   return passwordState;
 }
 
+int CTesselPage::getPasswordState() const {
+  const int told = SetSourcePassword();
+  if (told != PDFDecryptionManager::neither && told != PDFDecryptionManager::emptyNotOwner) return told;
+  pcrypt::EncryptInfo info;
+  saveEncryptInfo(state->sourFile->fileInfo.encrypt, info);
+  std::string tried = state->sourFile->fileInfo.encrypt.passwordText();
+  return PDFDecryptionManager().stateByKeys(info, tried);
+}
+
 std::string CTesselPage::getEncryptString() const {
   CSourFile& source = *state->sourFile;
   CDestFile writer;
