@@ -46,7 +46,7 @@ floor_of() {
   case "$1" in
     Source/PDFEncryption/* | Source/Kelp*) echo 0 ;;
     # Headers that know of no object, so that every floor may speak of what they declare.
-    Source/TesselPage/Structure/tessel_@(sobj|objflags|filter).h) echo 1 ;;
+    Source/TesselPage/Structure/tessel_@(sobj|rarestring|objflags|filter).h) echo 1 ;;
     # The encryption dictionary is an object, and objects decrypt what they read.
     Source/TesselPage/@(Security|Syntax)/*) echo 3 ;;
     Source/TesselPage/Structure/*) echo 4 ;;

@@ -52,8 +52,10 @@ class SourceFields {
   SourceFields(FormFields& aForm, const SourceObjects& someObjects, std::string aName);
 
   /// An annotation of a page has been put onto a sheet: its identity in the source and its number in the
-  /// output.
-  void notePlaced(const Identity& old, int number) { placed[old].push_back(number); }
+  /// output. Nobody asks for those of a source without fields.
+  void notePlaced(const Identity& old, int number) {
+    if (!roots.empty()) placed[old].push_back(number);
+  }
   /// Whether an object is a field that this one writes, now or later. To be called behind notePlaced.
   bool take(const Identity& old, const Identity& object, const std::string& body);
   /// Writes what was kept back and adds the fields to the form. Once, after the last page.

@@ -31,7 +31,7 @@ void Numbering::follow(CSourFile& changed) {
 }
 
 bool Numbering::enterOld(const Identity& old, const Identity& newId) {
-  if (!old2NewObjects.emplace(old, newId).second) return false;
+  if (!old2NewObjects.insert(old, newId)) return false;
   if (pending.erase(old) != 0) numbered = false;
   return true;
 }
@@ -68,21 +68,21 @@ int Numbering::number(int start) {
 const SObj* Numbering::find(const SObj& object) const {
   const Identity old = object.identity();
   if (const auto fresh = numbers.find(old); fresh != numbers.end()) return &fresh->second;
-  const auto known = old2NewObjects.find(old);
-  if (known == old2NewObjects.end() || !source || !harvestEntry(*source, object)) return nullptr;
-  answer = SObj(known->second.first, known->second.second);
+  const Identity* known = old2NewObjects.find(old);
+  if (!known || !source || !harvestEntry(*source, object)) return nullptr;
+  answer = SObj(known->first, known->second);
   return &answer;
 }
 
 const Numbering::Identity* Numbering::inOutput(const Identity& old) const {
-  for (const Table* table : {&old2NewObjects, &harvestedObjects})
-    if (const auto found = table->find(old); found != table->end()) return &found->second;
-  return nullptr;
+  const Identity* const newId = old2NewObjects.find(old);
+  return newId ? newId : harvestedObjects.find(old);
 }
 
 std::vector<Numbering::IdentityPair> Numbering::allPairs() const {
-  std::vector<IdentityPair> pairs(old2NewObjects.begin(), old2NewObjects.end());
-  pairs.insert(pairs.end(), harvestedObjects.begin(), harvestedObjects.end());
+  std::vector<IdentityPair> pairs;
+  old2NewObjects.appendTo(pairs);
+  harvestedObjects.appendTo(pairs);
   return pairs;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "TesselPage/Structure/tessel_identitytable.h"
 #include "TesselPage/Writer/tessel_destfile.h"
 
 namespace TESSEL {
@@ -22,7 +23,6 @@ class Numbering : public NumberSource {
  public:
   using Identity = std::pair<int, int>;
   using IdentityPair = std::pair<Identity, Identity>;
-  using Table = std::map<Identity, Identity>;
 
   /// Takes the source's changes since the last call into account.
   void follow(CSourFile& source);
@@ -33,15 +33,13 @@ class Numbering : public NumberSource {
   void share(const Identity& old, const Identity& newId);
   /// The object's text has been put into the map.
   /// @return whether it is the first time
-  bool harvested(const Identity& old, const Identity& newId) {
-    return harvestedObjects.emplace(old, newId).second;
-  }
+  bool harvested(const Identity& old, const Identity& newId) { return harvestedObjects.insert(old, newId); }
 
   /// The object is to be numbered and written as one that nobody has met. Requires: follow.
   void forget(const Identity& old);
 
-  bool isOld(const Identity& old) const { return old2NewObjects.count(old) != 0; }
-  bool isHarvested(const Identity& old) const { return harvestedObjects.count(old) != 0; }
+  bool isOld(const Identity& old) const { return old2NewObjects.contains(old); }
+  bool isHarvested(const Identity& old) const { return harvestedObjects.contains(old); }
 
   /// Numbers the pending objects from `start` on, unless that is how they are numbered already.
   /// @return the first number behind them
@@ -59,16 +57,14 @@ class Numbering : public NumberSource {
 
   /// Both tables in key order, the old-to-new table first.
   std::vector<IdentityPair> allPairs() const;
-  const Table& old2New() const { return old2NewObjects; }
-  const Table& harvestTable() const { return harvestedObjects; }
 
  private:
   void reconsider(const Identity& object);
   bool enterOld(const Identity& old, const Identity& newId);
 
   CSourFile* source = nullptr;
-  Table old2NewObjects;
-  Table harvestedObjects;
+  IdentityMap<Identity> old2NewObjects;
+  IdentityMap<Identity> harvestedObjects;
   std::set<Identity> pending;
   std::set<Identity> foreign;
   std::map<Identity, SObj> numbers;  ///< of the pending objects

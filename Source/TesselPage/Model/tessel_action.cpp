@@ -155,7 +155,7 @@ void ActionScan::record() const {
   for (const Step& each : steps) {
     if (each.type != CAction::goTo) continue;
     main.destObjMap.emplace(SDestObjKey{action.key, 0}, each.dest);
-    main.actionObjs.insert(action.id);
+    main.actionObjs.insert(action.id.identity());
   }
 }
 

@@ -236,7 +236,7 @@ Turn AnnotObjectScan::enterMK() {
 
 bool AnnotObjectScan::leadsToAction(const SObj& ref) const {
   const bool ofLink = subtype == nmLink && (last == nmA || last == nmAA);
-  return ofLink || main.actionObjs.count(ref) != 0;
+  return ofLink || main.actionObjs.contains(ref.identity());
 }
 
 /// An action's object carries the annotation's flags even behind /A: only so its destination is replaced when

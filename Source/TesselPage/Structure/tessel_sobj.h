@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <utility>
+
+#include "TesselPage/Structure/tessel_rarestring.h"
 
 namespace TESSEL {
 
@@ -11,8 +12,8 @@ namespace TESSEL {
 struct SObj {
   int objNum = 0;
   int genNum = 0;
-  int objFlags = 0;     ///< ObjFlag bits: how the reference was found
-  std::string objName;  ///< a name carried along, for shareable streams the digest
+  int objFlags = 0;    ///< ObjFlag bits: how the reference was found
+  RareString objName;  ///< a name carried along, for shareable streams the digest
 
   SObj() = default;
   SObj(int num, int gen, int flags = 0) : objNum(num), genNum(gen), objFlags(flags) {}

@@ -15,6 +15,7 @@
 #include "TesselPage/Structure/tessel_destinfo.h"
 #include "TesselPage/Structure/tessel_destlookup.h"
 #include "TesselPage/Structure/tessel_fileinfo.h"
+#include "TesselPage/Structure/tessel_identitytable.h"
 #include "TesselPage/Structure/tessel_objectstreams.h"
 #include "TesselPage/Structure/tessel_paperinfo.h"
 #include "TesselPage/Structure/tessel_sobj.h"
@@ -118,8 +119,8 @@ class CSourFile : public std::istream {
   std::set<SObj> pageAnnotObjs;
   std::set<SObj> pieceFilteredObjs;  ///< not cleared between pages
   std::map<SDestObjKey, SDestInfo> destObjMap;
-  std::set<SObj> actionObjs;  ///< objects with an action
-  DestLookup destLookup;      ///< what a destination's target is looked up in; for the source's whole life
+  IdentitySet actionObjs;  ///< objects with an action
+  DestLookup destLookup;   ///< what a destination's target is looked up in; for the source's whole life
   std::map<SObj, FieldInfo> parentFields;  ///< fields that widgets asked for what they lack
   long long indirectNumbers = 0;  ///< that annotations took from arrays behind references; they are bounded
   std::set<SObj> documentObjs;    ///< reached by the form and name readers
