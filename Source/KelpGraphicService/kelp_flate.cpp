@@ -2,6 +2,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
 
@@ -9,6 +10,8 @@
 
 // A sound stream is decoded in one go by libdeflate, which needs the room beforehand and gives nothing for a
 // stream that it can't finish. Only what it refuses goes through zlib, which tells an early end from damage.
+// So does what has no right checksum: libdeflate takes codes for lengths and distances that the format
+// doesn't have.
 
 namespace KelpGraphicService_NS {
 namespace {
@@ -36,8 +39,18 @@ struct FreeCompressor {
   void operator()(libdeflate_compressor* c) const { libdeflate_free_compressor(c); }
 };
 
+/// Whether the checksum that stands here is that of the decoded bytes (RFC 1950, 2.2).
+bool checksumFits(Bytes stored, Bytes decoded) {
+  constexpr std::size_t checksumSize = 4;
+  constexpr unsigned bitsPerByte = 8;
+  if (stored.size() < checksumSize) return false;
+  std::uint32_t sum = 0;
+  for (const unsigned char byte : stored.first(checksumSize)) sum = sum << bitsPerByte | byte;
+  return libdeflate_adler32(1, decoded.data(), decoded.size()) == sum;
+}
+
 /// The quick path. Doubling the room keeps the repeated work below what the last round costs.
-/// @return ftDamaged, with nothing appended, when the stream is not sound to its end
+/// @return ftDamaged, with nothing appended, when the stream is not sound to the end of its checksum
 FtResult decodeSound(Bytes body, Buffer& out) {
   const std::unique_ptr<libdeflate_decompressor, FreeDecompressor> decoder(libdeflate_alloc_decompressor());
   if (!decoder) return ftNoMemory;
@@ -49,7 +62,10 @@ FtResult decodeSound(Bytes body, Buffer& out) {
     std::size_t written = 0;
     const libdeflate_result result = libdeflate_deflate_decompress_ex(decoder.get(), body.data(), body.size(),
                                                                       out.end(), out.room(), &used, &written);
-    if (result == LIBDEFLATE_SUCCESS) return out.commit(written), ftSuccess;
+    if (result == LIBDEFLATE_SUCCESS) {
+      if (!checksumFits(body.subspan(used), {out.end(), written})) return ftDamaged;
+      return out.commit(written), ftSuccess;
+    }
     if (result != LIBDEFLATE_INSUFFICIENT_SPACE) return ftDamaged;
     if (out.room() >= limit) return ftTooLarge;
     room = std::min(limit, out.room() * 2);

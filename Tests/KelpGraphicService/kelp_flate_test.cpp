@@ -78,6 +78,9 @@ TEST(Flate, DamageInTheMiddleIsDamage) {
       {"block type 3", hex("789C 07") + std::string(20, 'x')},
       {"stored block whose length check is wrong", hex("789C 01 0300 FCFE 616263 00000000")},
       {"distance before the start", hex("789C 4B 03 52 00 00 00 00 00")},
+      {"literal 'a', then length code 286", hex("789C 4B1C0300 00000000")},
+      {"literal 'a', then distance code 30", hex("789C 4B043E00 00000000")},
+      {"the same without a checksum", hex("789C 4B1C0300")},
       {"sound block, then block type 3", hex("789C 00 0300 FCFF 616263 07 00000000")},
   };
   for (const Case& c : cases) EXPECT_EQ(inflateAs(ftFlate, c.stream), failure(ftDamaged)) << c.what;
