@@ -8,6 +8,7 @@
 
 namespace {
 
+using TESSEL::DecodingBudget;
 using TESSEL::ObjectStreams;
 using TESSEL::SObj;
 using tessel_test::deflated;
@@ -181,6 +182,40 @@ TEST(ObjectStreams, MoreIsKeptWhereMuchIsDecodedAgain) {
   const auto again = file.get(1);
   for (const int number : {2, 3}) file.get(number);
   EXPECT_EQ(file.get(1), again);
+}
+
+DecodingBudget bytes(long long count) {
+  DecodingBudget budget;
+  budget.bytes = count;
+  return budget;
+}
+
+TEST(ObjectStreams, WhatIsDecodedAgainAndAgainIsPaidForUntilTheBudgetIsUsedUp) {
+  const std::string body = streamBody("/N 0", std::string(400, ' '));
+  Container file({body, body});
+  file.streams = ObjectStreams(0, bytes(2000));
+  for (int i = 0; i < 5; ++i) EXPECT_NE(file.get(i % 2 + 1), nullptr) << i;
+  EXPECT_EQ(file.get(2), nullptr);
+  EXPECT_NE(file.get(1), nullptr);  // still kept
+}
+
+TEST(ObjectStreams, WhatCantBeDecodedIsPaidForToo) {
+  const std::string damaged = streamBody("/N 0/Filter/Fl", std::string(10, 'x'));
+  Container file({damaged, streamBody("/N 0", "x"), streamBody("/N 0", "x")});
+  file.streams = ObjectStreams(0, bytes(10 * DecodingBudget::ratioOfFailed + 1));
+  EXPECT_EQ(file.get(1), nullptr);
+  EXPECT_NE(file.get(2), nullptr);
+  EXPECT_EQ(file.get(3), nullptr);
+}
+
+TEST(ObjectStreams, TheBudgetGrowsWithTheFile) {
+  EXPECT_EQ(DecodingBudget(1000).bytes - DecodingBudget(0).bytes, 1000 * DecodingBudget::bytesPerFileByte);
+}
+
+TEST(ObjectStreams, AskingForTheSizeOfTheFileMovesNothing) {
+  Container file({streamBody("/N 0", "x"), "null"});
+  file.get(2);
+  EXPECT_EQ(file.file().tellg(), std::streampos(file.source->info().objEntries[SObj(2, 0)].entryOffset + 8));
 }
 
 TEST(ObjectStreams, LengthsComeFromTheIndex) {

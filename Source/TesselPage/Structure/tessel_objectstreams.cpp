@@ -21,7 +21,8 @@ class ObjectStreamScan {
   ObjectStreamScan(CSourFile& file, int number, ObjectStream& target)
       : source(file), stream(SObj(number, 0)), result(target) {}
 
-  bool ended = false;  ///< the body was decoded, or "endobj" was met
+  bool ended = false;    ///< the body was decoded, or "endobj" was met
+  long long failed = 0;  ///< bytes that could not be decoded
 
   Turn onToken(const std::string& token) {
     static constexpr KeyRow<ObjectStreamScan> rows[] = {
@@ -56,7 +57,9 @@ class ObjectStreamScan {
     stream.ofEncryptDictionary = stream.identity() == source.fileInfo.encrypt.id;
     stream.Read(source);
     result.text = stream.takeData();
+    const auto size = static_cast<long long>(result.text.size());
     ended = stream.filterStreamType(result.text, stream.length) == 0;
+    if (!ended) failed = size;
     return ended ? Turn::success : Turn::failure;
   }
 
@@ -72,14 +75,21 @@ void readPairs(ObjectStream& stream) {
   while (readInteger(in, pair.first) && readInteger(in, pair.second)) stream.pairs.push_back(pair);
 }
 
-std::shared_ptr<const ObjectStream> readHere(CSourFile& source, int number) {
+std::size_t sizeOf(const ObjectStream& stream) {
+  return stream.text.size() + stream.pairs.size() * sizeof(stream.pairs.front());
+}
+
+std::shared_ptr<const ObjectStream> readHere(CSourFile& source, int number, DecodingBudget& budget) {
   if (!CObj::IsObjStart(source) || !CFileBlock::isDictStart(source)) return nullptr;
   auto stream = std::make_shared<ObjectStream>();
   ObjectStreamScan scan(source, number, *stream);
-  if (!scanKeys(source, scan) || !scan.ended) return nullptr;
+  const bool isRead = scanKeys(source, scan) && scan.ended;
+  budget.bytes -= DecodingBudget::ratioOfFailed * scan.failed;
+  if (!isRead) return nullptr;
   stream->length = static_cast<int>(stream->text.size());
   readPairs(*stream);
   stream->text.shrink_to_fit();
+  budget.bytes -= static_cast<long long>(sizeOf(*stream));
   return stream;
 }
 
@@ -94,10 +104,6 @@ class Nested {
   int& count;
 };
 
-std::size_t sizeOf(const ObjectStream& stream) {
-  return stream.text.size() + stream.pairs.size() * sizeof(stream.pairs.front());
-}
-
 }  // namespace
 
 std::shared_ptr<const ObjectStream> ObjectStreams::get(CSourFile& source, int number) {
@@ -107,10 +113,22 @@ std::shared_ptr<const ObjectStream> ObjectStreams::get(CSourFile& source, int nu
     if (known->second.stream) uses.splice(uses.begin(), uses, known->second.use);
     return known->second.stream;
   }
-  if (nesting == maxNesting) return nullptr;
+  return nesting < maxNesting && maySpend(file) ? decode(file, number) : nullptr;
+}
+
+bool ObjectStreams::maySpend(CSourFile& file) {
+  if (!budget) {
+    PositionGuard back(file);
+    file.seekg(0, std::ios_base::end);
+    budget.emplace(std::max<long long>(file.tellg(), 0));
+  }
+  return budget->bytes > 0;
+}
+
+std::shared_ptr<const ObjectStream> ObjectStreams::decode(CSourFile& file, int number) {
   kept[number] = {};
   const Nested level(nesting);
-  auto stream = readHere(file, number);
+  auto stream = readHere(file, number, *budget);
   if (stream) keep(number, stream);
   return stream;
 }
