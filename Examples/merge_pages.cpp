@@ -122,6 +122,8 @@ int openSources(Merger& output, std::vector<std::unique_ptr<Input>>& inputs, cha
     } catch (const CFileError&) {
       return fail(*path, 1000);
     }
+    // Sources behind a password are read as they are encrypted.
+    if (source.fileInfo.encrypt.secondAccess) return fail(*path, 3001);
     source.pageObjects.clear();  // the form of a source doesn't travel
     source.switches.annotsEnable = AnnotsEnableAll;
     source.switches.formsEnable = AcroFormsEnableAll;

@@ -22,6 +22,7 @@ struct PageState;
 namespace Result {
 inline constexpr int success = 0;
 inline constexpr int passwordNotTried = 1;     ///< longer than 32 bytes, or the encryption uses no password
+inline constexpr int passwordDoesNotFit = 5;   ///< of SetSourcePassword: it opens the source for nobody
 inline constexpr int notProtected = 8;         ///< the source needs no password, so nothing was done
 inline constexpr int notReadable = 1000;       ///< not a readable PDF
 inline constexpr int xrefNotReadable = 1001;   ///< the cross-reference data could not be read
@@ -63,7 +64,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   CTesselPage(const CTesselPage&) = delete;
   CTesselPage& operator=(const CTesselPage&) = delete;
 
-  /// Opens the source: header, cross-reference data, catalog, page tree. Must be the first call.
+  /// Opens the source: header, cross-reference data, catalog, page tree. Must be the first call. A source
+  /// that needs another password opens as well, and its texts are noise: ask SetSourcePassword.
   /// @return 0, 1000, 1001, 6000 or 8001; anything but 0 ends the use of the object
   int init();
   /// Selects a page, counted from 1, and reads what it needs; the map is emptied. The page that is selected
@@ -210,8 +212,8 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// Tries the password at hand.
   /// @return 1 it can't be tried: longer than 32 bytes, or the encryption uses no password; 8 the source
   /// needs none; 2 the empty password opens the source and this one is the owner's; 3 it is the owner's; 4
-  /// the user's; 5 neither; 6 the empty password opens the source and this one isn't the owner's; 7 it is
-  /// both
+  /// the user's; 5 (Result::passwordDoesNotFit) neither; 6 the empty password opens the source and this one
+  /// isn't the owner's; 7 it is both
   int SetSourcePassword() const;
   /// Beyond the interface as it stands: what SetSourcePassword() should give. In revisions 3 and 4 that one
   /// takes a right password for a wrong one (5, or 6) when the first element of the source's /ID begins with

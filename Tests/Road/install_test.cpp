@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "Tests/Support/pdf_builder.h"
+#include "Tests/Support/protected_pdf.h"
 #include "Tests/Support/road.h"
 
 // What a user of the library does: installs it, builds the examples against what was installed, runs them.
@@ -85,6 +86,10 @@ TEST_F(Install, ExampleEmbedsAPage) {
   const Outcome outcome = shell("examples/embed_page in.pdf 2 out.pdf");
   ASSERT_EQ(outcome.status, 0) << outcome.err;
   expectWords("out.pdf", {"two"});
+  file("locked.pdf", protectedPdf(pagesSaying({"one"}), allProtections[1], {"use", "own"}));
+  const Outcome refused = shell("examples/embed_page locked.pdf 1 none.pdf");
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.err, "embed_page: the password gave 5\n");
 }
 
 TEST_F(Install, ExampleMergesSelectedPagesOfSeveralFiles) {
@@ -106,6 +111,9 @@ TEST_F(Install, ExampleMergesSelectedPagesOfSeveralFiles) {
   const Outcome refused = shell("examples/merge_pages none.pdf '1:2~1' a.pdf");
   EXPECT_EQ(refused.status, 1);
   EXPECT_THAT(refused.err, HasSubstr("1006"));
+  file("locked.pdf", protectedPdf(pagesSaying({"one"}), allProtections[1], {"use", "own"}));
+  EXPECT_EQ(shell("examples/merge_pages none.pdf '1:0' locked.pdf").err,
+            "merge_pages: locked.pdf gave 3001\n");
 }
 
 }  // namespace
