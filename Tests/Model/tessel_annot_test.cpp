@@ -413,6 +413,16 @@ TEST(DirectAnnots, DestinationsHaveTheirDictionarysPlaceInTheArray) {
   EXPECT_EQ(destOf(source, 5, 2)->name, "name");
 }
 
+TEST(DirectAnnots, DestinationOfAnyKindIsOneValue) {
+  for (const char* value : {"/Name", " 7", " null", "<</D[4 0 R/Fit]>>", "[[4 0 R]]", "<6E>", "(\\)>>)"}) {
+    const auto array = "[<</Subtype/Link/Dest" + std::string(value) + "/BS 6 0 R>><</Dest[4 0 R/FitB]>>]";
+    const Source source = readWith(withArray(array).object(6, "<</W 1>>"), {links, 0});
+    EXPECT_THAT(harvested(source), ElementsAre(5, 6)) << value;
+    ASSERT_NE(destOf(source, 5, 1), nullptr) << value;
+    EXPECT_EQ(destOf(source, 5, 1)->style, 6) << value;
+  }
+}
+
 TEST(DirectAnnots, DestinationMayBeAnObject) {
   const auto builder =
       withArray("[<</Dest 6 0 R/X 7 0 R>>]").object(6, "[4 0 R/Fit]").object(7, "<</Subtype/Text>>");
