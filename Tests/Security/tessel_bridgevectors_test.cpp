@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 #include "PDFEncryption/encryptionmanager.h"
 #include "PDFEncryption/rijndael.h"
@@ -186,6 +187,19 @@ TEST(LegacyBytes, CreatekeyAndCreateTestKeyHash32BytesOfOAndTheIdentifierWhole) 
     createkey(record, bytes(buffer));
     EXPECT_EQ(toHex(record.fileKey.first(record.keyBytes())), row.key) << row.revision;
     EXPECT_EQ(buffer, password);
+  }
+}
+
+TEST(LegacyBytes, CreateTestKeyWithHashOnlyHashesTheBufferOnce) {
+  for (const auto& [revision, keyLength, hash] :
+       {std::tuple{2, 40, "31d9734a2e"}, {3, 128, "31d9734a2e0e5369eae2fb2f6a923b10"}}) {
+    CEncrypt record;
+    record.R = revision;
+    record.keyLength = keyLength;
+    std::string buffer = "user" + padText.substr(0, 28);
+    const std::string behind = buffer.substr(record.keyBytes());
+    createTestKey(record, bytes(buffer), true);
+    EXPECT_EQ(toHex(buffer), hash + toHex(behind));
   }
 }
 

@@ -169,6 +169,44 @@ TEST(LegacyPassword, PdfTryKeyGives0WhereTheManagerGivesTrue) {
   }
 }
 
+struct CompareCase {
+  Kind kind;
+  std::size_t lastByte;  ///< of /U that counts
+};
+
+/// By the test of the revision, which makes the key itself.
+bool isUsers(const Kind& kind, CEncrypt& record, std::string password) {
+  if (kind.revision == 2) return isUserPWD(record, bytes(password), static_cast<int>(password.size()));
+  password = padded(password);
+  return isUserPWDR3(record, bytes(password), true);
+}
+
+TEST(LegacyPassword, ComparesAsManyBytesOfUAsTheRevisionHas) {
+  constexpr CompareCase rows[] = {{r2, 31}, {r3, 15}, {r4, 15}};
+  for (const CompareCase& row : rows) {
+    const File file = protect(row.kind, "use", "own");
+    std::string right = padded("use"), user = file.info.U;
+    CEncrypt record = file.record;
+    for (std::size_t i = row.lastByte + 1; i < user.size(); ++i) user[i] = '?';
+    record.U.put(user);
+    EXPECT_EQ(PdfTryKey(record, bytes(right)), 0) << row.kind.name;
+    EXPECT_TRUE(isUsers(row.kind, record, "use")) << row.kind.name;
+    user[row.lastByte] = static_cast<char>(user[row.lastByte] ^ 1);
+    record.U.put(user);
+    EXPECT_EQ(PdfTryKey(record, bytes(right)), 3001) << row.kind.name;
+    EXPECT_FALSE(isUsers(row.kind, record, "use")) << row.kind.name;
+  }
+}
+
+TEST(LegacyPassword, IsOwnerPWDOfRevision2NeedsAUserPasswordWithoutAParenthesis) {
+  std::string owner = "own";
+  File file = protect(r2, "u(se", "own");
+  EXPECT_FALSE(isOwnerPWD(file.record, bytes(owner), 3));
+  File later = protect(r3, "u(se", "own");
+  EXPECT_TRUE(isOwnerPWD(later.record, bytes(owner), 3));
+  EXPECT_EQ(later.record.userPassword, "u");
+}
+
 /// /U with all but its first five bytes changed.
 File withChangedTail(const Kind& kind) {
   File file = protect(kind, "use", "own");
