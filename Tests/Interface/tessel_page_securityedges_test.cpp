@@ -7,6 +7,7 @@
 
 #include "TesselPage/Security/tessel_encrypt.h"
 #include "TesselPage/tessel_page.h"
+#include "Tests/Interface/probed_page.h"
 #include "Tests/Interface/secret_page.h"
 #include "Tests/Support/pdf_builder.h"
 #include "Tests/Support/protected_pdf.h"
@@ -103,6 +104,23 @@ TEST(SecurityEdges, AShorterPasswordLeavesNothingOfTheOneBefore) {
   OpenPage open = PdfBuilder::openPageBytes(protectedPdf(plainFile(), allProtections[1], {"use", "own"}));
   EXPECT_EQ(open->SetSourcePassword("owner of all"), 5);
   EXPECT_EQ(open->SetSourcePassword("own"), 3);
+}
+
+// The form without an argument is a query in name: it leaves the key of the password at hand behind.
+TEST(SecurityEdges, TheKeyThatAPasswordLeadsToIsKept) {
+  const Probe open = probeBytes(protectedPdf(plainFile(), allProtections[3], {"use", "own"}),
+                                "a longer password that is wrong");
+  const CEncrypt& record = open->state->sourFile->fileInfo.encrypt;
+  for (const char* password : {"own", "use"}) {
+    open->state->password = "x";
+    EXPECT_EQ(open->SetSourcePassword(), 5);
+    const std::string wrong = record.fileKey.first(16);
+    open->state->password = password;
+    EXPECT_EQ(open->SetSourcePassword(), *password == 'u' ? 4 : 3);
+    EXPECT_EQ(record.passwordText(), password);
+    EXPECT_NE(record.fileKey.first(16), wrong);
+    EXPECT_TRUE(readsPlain(*open)) << password;
+  }
 }
 
 struct StateCase {

@@ -209,6 +209,43 @@ TEST(SealedKey, OfABufferComesFromTheValidationSalt) {
   EXPECT_EQ(toHex(info.fileKey), "cfb78c30c7d59c8ba5a9d794d8f33d79af9a342f93b45aa658e64839bd396503");
 }
 
+// The hash of revision 6. It ends at the first round from 63 on whose number, less 31, is at least the last
+// byte; these passwords tell the bounds apart.
+
+struct SlowHashCase {
+  const char* password;
+  bool user;
+  const char* hash;
+};
+
+constexpr SlowHashCase slowHashes[] = {
+    // round 63, and its bound met exactly
+    {"user971", true, "57b7bbc0387a34bcb77465e7402ab546427e1966667a36ac6022da86aa3fb791"},
+    {"own394", false, "6d9f624e03edbfe215a54070cd92abb83fde70b2a48eb2cd9f7d1cdb3c42fea1"},
+    // a later round, and its bound met exactly
+    {"user20", true, "2aa335f21a5cfa13f8f9f9a0147ead38244490c5d65717e59b8510c28e4a7a89"},
+    {"own61", false, "6e21b34ca408c4e3fd1a95c2870fb9e2aadc3299bd9070cd8e3e2892d1de2723"},
+    // round 63 misses its bound by one
+    {"user73", true, "b076bed2e9b6f7e42c87503be51a2e1e5749616858327535b58bf0eff0a3aed8"},
+    {"own7", false, "0ef00915b808f9a410fe5b87500a8d6e7ecf9f734d3fcc5fa7c600a4926c7d68"},
+    // round 62 would do
+    {"user0", true, "851b35f7b15fc1b0946aff634c835f14901d1862eeadc910c06148020ff87172"},
+    {"own2", false, "8c48c76347c89f26e3667471e524e14136814b5965d8943dc3c81510e6862101"},
+};
+
+TEST(SlowHash, EndsAtTheRoundThatItsLastByteSays) {
+  const std::string salts = "validatekeysalt.";
+  for (const SlowHashCase& row : slowHashes) {
+    EncryptInfo info;
+    info.R = 6;
+    info.U = (row.user ? hex(row.hash) : std::string(32, 'u')) + salts;
+    info.O = (row.user ? std::string(32, 'o') : hex(row.hash)) + salts;
+    const bool fits =
+        row.user ? reader.isUserPWDR6(info, row.password) : reader.isOwnerPWD6(info, row.password);
+    EXPECT_TRUE(fits) << row.password;
+  }
+}
+
 // Entries of the dictionary.
 
 struct OwnerEntryCase {

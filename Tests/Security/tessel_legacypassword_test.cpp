@@ -144,6 +144,24 @@ TEST(LegacyPassword, LeavesTheFlagsOfTheStateAndAnAccessState) {
   }
 }
 
+struct LeftKeyCase {
+  Kind kind;
+  const char* given;
+  bool right;
+};
+
+TEST(LegacyPassword, LeavesTheFileKeyOfEitherPassword) {
+  constexpr LeftKeyCase rows[] = {{r2, "use", true}, {r2, "own", true}, {r2, "x", false},
+                                  {r3, "use", true}, {r3, "own", true}, {r4, "own", true}};
+  for (const LeftKeyCase& row : rows) {
+    const File file = protect(row.kind, "use", "own");
+    CEncrypt record = file.record;
+    record.setPassword(row.given);
+    GetPassWordState(record);
+    EXPECT_EQ(keyOf(record), row.right ? file.key : std::string(file.key.size(), '\0')) << row.given;
+  }
+}
+
 TEST(LegacyPassword, StoresThePasswordsThatItFound) {
   CEncrypt record = protect(r3, "", "own").record;
   record.setPassword("own");
