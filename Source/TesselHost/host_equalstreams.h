@@ -10,9 +10,10 @@ namespace TesselHost {
 
 /// Finds streams that are equal to one that the output has, without keeping them.
 ///
-/// Remembers of each stream two polynomials over its bytes, modulo 2^61 - 1, at points that are drawn at
-/// random for each object: two different streams of n bytes meet in both with a chance below (n / 2^61)^2,
-/// whoever made them. The points change nothing of what is found. One thread at a time.
+/// Remembers of each stream two polynomials modulo 2^61 - 1, whose coefficients are linear forms of a block
+/// of its bytes each, at points and with factors that are drawn at random for each object: two different
+/// streams of n bytes meet in both with a chance below (n / 2^61)^2, whoever made them. What is drawn changes
+/// nothing of what is found. One thread at a time.
 class EqualStreams {
  public:
   EqualStreams();
@@ -23,11 +24,14 @@ class EqualStreams {
 
  private:
   static constexpr std::size_t pointCount = 2;
+  static constexpr std::size_t blockWords = 16;
   using Values = std::array<std::uint64_t, pointCount>;
   void add(Values& values, std::string_view bytes) const;
-  void add(Values& values, std::uint64_t word) const;
+  void addCoefficients(Values& values, const Values& coefficients) const;
+  Values formsOf(const char* block) const;
 
   Values points{};
+  std::array<std::array<std::uint64_t, blockWords>, pointCount> factors{};
   std::map<Values, int> known;
 };
 

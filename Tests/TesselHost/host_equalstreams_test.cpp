@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 namespace TesselHost {
 namespace {
@@ -26,6 +27,27 @@ TEST(EqualStreams, TellApartWhatDiffersInOneByte) {
   EXPECT_EQ(streams.numberFor("/A 2", data, number), number);
 }
 
+TEST(EqualStreams, TellApartWhatDiffersInItsLastByte) {
+  EqualStreams streams;
+  for (int length = 1; length < 300; ++length) {
+    const std::string head(static_cast<std::size_t>(length - 1), 'x');
+    EXPECT_EQ(streams.numberFor({}, head + 'a', 2 * length), 2 * length);
+    EXPECT_EQ(streams.numberFor({}, head + 'b', 2 * length + 1), 2 * length + 1);
+    EXPECT_EQ(streams.numberFor({}, head + 'a', 0), 2 * length);
+  }
+}
+
+TEST(EqualStreams, TellApartWhereTwoPartsHaveChangedPlaces) {
+  EqualStreams streams;
+  std::string data(1000, 'x');
+  data[0] = 'y';
+  for (std::size_t i = 1; i < data.size(); ++i) {
+    std::swap(data[i - 1], data[i]);
+    const int number = static_cast<int>(i);
+    EXPECT_EQ(streams.numberFor({}, data, number), number);
+  }
+}
+
 TEST(EqualStreams, TellApartWhereEntriesEndAndDataBegins) {
   EqualStreams streams;
   EXPECT_EQ(streams.numberFor("ab", "c", 1), 1);
@@ -35,7 +57,7 @@ TEST(EqualStreams, TellApartWhereEntriesEndAndDataBegins) {
 
 TEST(EqualStreams, TellApartDataWithZerosAtTheEnd) {
   EqualStreams streams;
-  for (int length = 0; length < 20; ++length)
+  for (int length = 0; length < 300; ++length)
     EXPECT_EQ(streams.numberFor({}, std::string(static_cast<std::size_t>(length), '\0'), length), length);
 }
 
