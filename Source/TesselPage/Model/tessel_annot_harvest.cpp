@@ -94,7 +94,7 @@ bool AnnotObjectScan::dropAll() {
 /// The first pass: what the filters ask for.
 void AnnotObjectScan::look() {
   SObj ref;
-  std::string before;
+  std::string former;
   std::string token;
   DictDepth open;
   while (source.good()) {
@@ -102,9 +102,10 @@ void AnnotObjectScan::look() {
       if (token == nmParent) parent = ref;
       continue;
     }
-    before = token;
+    former.swap(token);
     source >> token;
     if (endsObject(token) || open.closes(token)) return;
+    const std::string_view before = former;
     if (before == nmSubtype && open.depth() == 1) subtype = token;
     if (before == nmFT) fieldType = token;
     if (before == nmFf && CFileBlock::IsNum(token)) fieldFlags = CAnnot::flagsOf(token);

@@ -3,6 +3,7 @@
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "TesselPage/Model/tessel_annot.h"
@@ -46,13 +47,14 @@ struct ObjectFacts {
 ObjectFacts lookAhead(CSourFile& source, const SObj& id) {
   PositionGuard back(source, PositionGuard::State::clear);
   ObjectFacts facts;
-  std::string previous;
+  std::string former;
   scanDictionary(source, 0, [&](const std::string& token, int depth) {
+    const std::string_view previous = former;
     if (previous == nmF && CFileBlock::IsNum(token)) facts.flags = std::atoi(token.c_str());
     if (previous == nmType && depth == 1) facts.type = token;
-    facts.goToR |= token == nmGoToR;
-    facts.goToDp |= token == nmGoToDp;
-    previous = token;
+    facts.goToR |= std::string_view(token) == nmGoToR;
+    facts.goToDp |= std::string_view(token) == nmGoToDp;
+    former = token;
     skipIfString(source, id, token, StringsSkipped::both);
   });
   return facts;
@@ -104,8 +106,8 @@ class AnnotCopier {
   Turn scaleFont();
 
   bool inAction() const { return actionDepth != 0 || annot.id.hasAny(ObjFlag::action); }
-  bool isDestKey(const std::string& word) const { return word == nmDest || (word == nmD && inAction()); }
-  bool replacesDest(const std::string& key) const { return isDestKey(key) && !facts.goToR; }
+  bool isDestKey(std::string_view word) const { return word == nmDest || (word == nmD && inAction()); }
+  bool replacesDest(std::string_view key) const { return isDestKey(key) && !facts.goToR; }
   void writeDest();
   void replaceDest();
   void rewriteAction();
@@ -178,7 +180,7 @@ void AnnotCopier::renumber() {
 
 Turn AnnotCopier::onWord() {
   copier.readWord();
-  if (copier.previous() == nmLength) length.onValue();
+  if (std::string_view(copier.previous()) == nmLength) length.onValue();
   if (replacesDest(copier.previous())) {
     replaceDest();
     return Turn::goOn;

@@ -7,16 +7,16 @@
 
 namespace TESSEL {
 
-bool endsObject(const std::string& token) { return token == kwendobj || token == kwstream; }
+bool endsObject(std::string_view token) { return token == kwendobj || token == kwstream; }
 
-bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token, StringsSkipped which) {
+bool skipIfString(CSourFile& source, const SObj& owner, std::string_view token, StringsSkipped which) {
   const bool literal = token == "(" && which != StringsSkipped::none;
   const bool hexadecimal = token == "<" && which == StringsSkipped::both;
   if (literal || hexadecimal) skipString(source, owner, token.front());
   return literal || hexadecimal;
 }
 
-bool DictDepth::closes(const std::string& token) {
+bool DictDepth::closes(std::string_view token) {
   if (token == "<<") ++level;
   return token == ">>" && --level == 0;
 }

@@ -3,6 +3,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "TesselPage/Structure/tessel_objflags.h"
 #include "TesselPage/Structure/tessel_sourfile.h"
@@ -26,21 +27,22 @@ class IdentityGuard {
   SObj own;
 };
 
-/// A token that ends the dictionary of an object: "endobj" or "stream".
-bool endsObject(const std::string& token);
+/// A token that ends the dictionary of an object: "endobj" or "stream". Tokens come as views here and below:
+/// those are compared by their sizes first.
+bool endsObject(std::string_view token);
 
 /// Which strings a scan over an object steps over; the bytes of any other are taken for tokens.
 enum class StringsSkipped { none, literalOnly, both };
 
 /// Skips the string that `token` opens. False when it opens none.
-bool skipIfString(CSourFile& source, const SObj& owner, const std::string& token, StringsSkipped which);
+bool skipIfString(CSourFile& source, const SObj& owner, std::string_view token, StringsSkipped which);
 
 /// Depth of dictionaries: moves with "<<" and ">>" and stays with any other token.
 class DictDepth {
  public:
   explicit DictDepth(int start = 0) : level(start) {}
   /// Takes a token; true when it is the ">>" that brings the depth back to 0. One that closes nothing isn't.
-  bool closes(const std::string& token);
+  bool closes(std::string_view token);
   int depth() const { return level; }
 
  private:

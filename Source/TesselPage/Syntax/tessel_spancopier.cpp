@@ -73,16 +73,17 @@ void SpanCopier::markHole() {
 }
 
 SpanCopier::Body SpanCopier::copyBody(const PgCmTD* placement) {
-  if (present == kwendobj) {
+  const std::string_view word = present;
+  if (word == kwendobj) {
     copyThrough();
     dest.append(kw_n);
     dest.endMark = dest.size();
     return Body::end;
   }
-  if (present == kwstream) {
+  if (word == kwstream) {
     copyStream();
-  } else if (present == "(" || present == "<") {
-    copyString(present == "<", placement);
+  } else if (word == "(" || word == "<") {
+    copyString(word == "<", placement);
   } else {
     return Body::none;
   }

@@ -55,10 +55,11 @@ bool startsRun(char first) { return first == '/' || isRegular(first); }
 
 /// Bytes of a name or word from its first byte on, when its end is in sight; else 0.
 std::size_t runLength(std::string_view area) {
-  bool escaped = !area.empty() && area.front() == escape;
-  for (std::size_t i = 1; i < area.size(); ++i) {
-    if (!escaped && !isRegular(area[i])) return i;
-    escaped = area[i] == escape && !escaped;
+  for (std::size_t i = 0; i < area.size(); ++i) {
+    if (i > 0 && !isRegular(area[i])) return i;
+    // What is escaped belongs to the run, whatever it is. So rare that it mustn't hold up the other bytes.
+    if (area[i] == escape) [[unlikely]]
+      ++i;
   }
   return 0;
 }
