@@ -200,6 +200,12 @@ TEST_F(Usage, ADiskThatFillsUpLeavesNoHalfFile) {
   EXPECT_THAT(files(), ElementsAre("in.pdf"));
 }
 
+TEST_F(Usage, AHelpThatCanNotBeWrittenIsStatus1) {
+  const Outcome outcome = shell(quoted(TESSEL_TOOL) + " nup --help >/dev/full");
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.err, "tessel: standard output: can't be written\n");
+}
+
 TEST_F(Usage, AFullDeviceIsReported) {
   file("in.pdf", aPage());
   const Outcome outcome = tessel({"nup", "in.pdf", "-o", "/dev/full", "--grid", "1x1"});

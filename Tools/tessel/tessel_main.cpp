@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 
 #include "TesselHost/host_error.h"
 #include "tessel_commands.h"
@@ -61,7 +62,10 @@ int run(int argc, char** argv) {
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& done) {  // --help, --version
-    return program.exit(done);
+    const int status = program.exit(done);
+    if (std::cout.flush()) return status;
+    complain("standard output: can't be written");
+    return exitFailed;
   } catch (const CLI::ParseError& wrong) {
     complain(
         fmt::format("{}; tessel{} --help tells more", reasonOf(wrong, program, argv), commandOf(program)));

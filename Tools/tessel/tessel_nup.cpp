@@ -15,6 +15,10 @@ namespace {
 
 using namespace TesselHost;
 
+std::string counted(int count, const char* thing) {
+  return fmt::format("{} {}{}", count, thing, count == 1 ? "" : "s");
+}
+
 struct NupCommand {
   NupOptions options;
   PasswordOption password;
@@ -29,7 +33,8 @@ struct NupCommand {
     if (result.lostLinks > 0)
       terminal.warn(fmt::format("{} {} to pages that aren't in the output", result.lostLinks,
                                 result.lostLinks == 1 ? "link leads" : "links lead"));
-    terminal.note(fmt::format("{}: {} pages on {} sheets", options.output, result.pages, result.sheets));
+    terminal.note(fmt::format("{}: {} on {}", options.output, counted(result.pages, "page"),
+                              counted(result.sheets, "sheet")));
     return exitDone;
   }
 };

@@ -35,8 +35,9 @@ std::array<CLI::Option*, 2> PasswordOption::addTo(CLI::App& command, const std::
                                                   const std::string& variable, const std::string& help) {
   fallback = variable;
   direct = command.add_option("--" + name, text, help + "; without it $" + variable + " counts");
-  inFile = command.add_option("--" + name + "-file", file,
-                              "The same as the first line of a file; - for standard input");
+  inFile = command.add_option(
+      "--" + name + "-file", file,
+      "The same as the first line of a file; - for standard input, a line for each such option");
   direct->type_name("PASSWORD");
   inFile->type_name("FILE")->excludes(direct);
   return {direct, inFile};
@@ -68,7 +69,8 @@ void EncryptionOptions::addTo(CLI::App& command) {
   const auto owners = owner.addTo(command, "owner-password", "TESSEL_OWNER_PASSWORD",
                                   "Opens the output without restrictions");
   CLI::Option* allow = addParsed(command, "--allow", allowed, Permissions::parse,
-                                 "all (default), none, or of these, with commas: " + Permissions::allWords(),
+                                 "all (default), none, or of these, with commas: " + Permissions::allWords() +
+                                     " (which always is)",
                                  "all, none, or words such as print,copy")
                            ->type_name("WORDS");
   CLI::Option* cleartext =
