@@ -1,7 +1,9 @@
 #include "PDFEncryption/rijndael.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 
 #include "PDFEncryption/bytes.h"
@@ -24,6 +26,12 @@ constexpr int lastKeyLength = Rijndael::Key32Bytes;
 bool within(int value, int last) { return value >= 0 && value <= last; }
 
 std::size_t count(int blocks) { return static_cast<std::size_t>(blocks); }
+
+/// SubWord of the key expansion (FIPS 197, 5.2).
+std::uint32_t substituted(std::uint32_t word) {
+  return std::uint32_t{aes::S[word & 0xff]} | std::uint32_t{aes::S[word >> 8 & 0xff]} << 8 |
+         std::uint32_t{aes::S[word >> 16 & 0xff]} << 16 | std::uint32_t{aes::S[word >> 24]} << 24;
+}
 
 /// InvMixColumns of one column (FIPS 197, 5.3.3).
 void unmix(Byte* column) {
@@ -174,16 +182,14 @@ int Rijndael::refusal(int direction, int whenWrong) const {
 void Rijndael::keySched(const Byte* key, int keyWords) {
   Byte* const words = expandedKey_[0];
   std::copy_n(key, wordSize * keyWords, words);
+  std::uint32_t word = bytes::loadLittle32(words + wordSize * (keyWords - 1));
   const int total = 4 * (rounds_ + 1);
-  for (int i = keyWords; i < total; ++i) {
-    Byte temp[wordSize];
-    std::copy_n(words + wordSize * (i - 1), wordSize, temp);
-    const bool substitutes = i % keyWords == 0 || (keyWords > 6 && i % keyWords == 4);
-    if (i % keyWords == 0) std::rotate(temp, temp + 1, temp + wordSize);
-    if (substitutes) std::for_each(temp, temp + wordSize, [](Byte& b) { b = aes::S[b]; });
-    if (i % keyWords == 0) temp[0] ^= aes::rcon[count(i / keyWords - 1)];
-    const Byte* const before = words + wordSize * (i - keyWords);
-    for (int j = 0; j < wordSize; ++j) words[wordSize * i + j] = before[j] ^ temp[j];
+  const Byte* roundConstant = aes::rcon.data();
+  for (int i = keyWords, place = 0; i < total; ++i, place = (place + 1 == keyWords ? 0 : place + 1)) {
+    if (place == 0) word = substituted(std::rotr(word, octetBits)) ^ *roundConstant++;
+    if (place == 4 && keyWords > 6) word = substituted(word);
+    word ^= bytes::loadLittle32(words + wordSize * (i - keyWords));
+    bytes::storeLittle32(words + wordSize * i, word);
   }
 }
 
