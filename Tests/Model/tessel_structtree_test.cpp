@@ -92,6 +92,12 @@ TEST(StructTree, MarkedContentReferenceTellsThePage) {
               ElementsAre(Pair(6, 4)));
 }
 
+TEST(StructTree, MarkedContentReferencesInTheArrayTellNoPage) {
+  const auto element = "<</K[<</Type/MCR/Pg 4 0 R/MCID 1>>2<</K 7 0 R>>]/S/P>>";
+  const auto builder = withElements("<</K 6 0 R>>").object(6, element).object(7, "<</Pg 3 0 R>>");
+  EXPECT_THAT(elements(builder), ElementsAre(Pair(6, 3), Pair(7, 3)));
+}
+
 TEST(StructTree, KeysWithinStringsAreNone) {
   EXPECT_THAT(elements(withElements("<</K 6 0 R>>").object(6, "<</Alt(/Pg 3 0 R >> endobj)/Pg 4 0 R>>")),
               ElementsAre(Pair(6, 4)));

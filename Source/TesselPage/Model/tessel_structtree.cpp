@@ -29,6 +29,7 @@ class TagScan {
   Turn onToken(const std::string& token);
 
  private:
+  void onKey(const std::string& token);
   void startKids();
   void readPage();
 
@@ -46,10 +47,15 @@ Turn TagScan::onToken(const std::string& token) {
   if (kidsNext && token == "[") inKids = true;
   kidsNext = false;
   if (token == "]") inKids = false;
-  if (token == nmK) startKids();
-  if (token == nmPg) readPage();
+  if (!inKids) onKey(token);
   skipIfString(source, tag.id, token, StringsSkipped::both);
   return Turn::goOn;
+}
+
+// In the array of /K only references count: a marked content reference there tells the element no page.
+void TagScan::onKey(const std::string& token) {
+  if (token == nmK) startKids();
+  if (token == nmPg) readPage();
 }
 
 void TagScan::startKids() {
