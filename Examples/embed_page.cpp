@@ -64,7 +64,7 @@ int main(int argc, char** argv) {
   if (argc != 4) return std::cerr << "usage: embed_page IN.pdf PAGE OUT.pdf\n", 2;
   TESSEL::CTesselPage page(argv[1], "");
   if (int code = page.init()) return fail("init", code);
-  if (page.SetSourcePassword() == TESSEL::Result::passwordDoesNotFit) return fail("the password", 5);
+  if (page.getPasswordState() == TESSEL::Result::passwordDoesNotFit) return fail("the password", 5);
   const int pageNo = std::atoi(argv[2]);
   if (pageNo < 1 || pageNo > page.getPageCount()) return fail("page count", page.getPageCount());
   if (int code = page.setPageNo(pageNo)) return fail("setPageNo", code);

@@ -97,7 +97,7 @@ int PDFDecryptionManager::calPassWordState(EncryptInfo& info, std::string& passw
 }
 
 int PDFDecryptionManager::stateByKeys(EncryptInfo& info, std::string& password) const {
-  if (info.R < revision3 || info.R >= revision5) return calPassWordState(info, password);
+  if (info.R >= revision5) return calPassWordState(info, password);
   std::string tried = padded(password);
   const bool owner = tryOwner(info, tried);
   if (tryEmpty(info)) return owner ? emptyAndOwner : emptyNotOwner;

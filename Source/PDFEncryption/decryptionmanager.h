@@ -28,9 +28,10 @@ class PDFDecryptionManager : public PDFEncryptionBase {
   /// first flag alone for 2 and 6, the second alone for 5 and 7, both for 3 and 4.
   int calPassWordState(EncryptInfo& info, std::string& password) const;
 
-  /// Beyond the handler's own decision: the same state, told in revisions 3 and 4 by the keys alone that the
-  /// password makes. `calPassWordState` takes the right passwords for wrong ones there when the file
-  /// identifier begins with a zero byte. The file key in `info` is rubbish afterwards.
+  /// Beyond the handler's own decision: the same state, told up to revision 4 by the keys alone that the
+  /// password makes. `calPassWordState` takes right passwords for wrong ones when the file identifier begins
+  /// with a zero byte (revisions 3 and 4), and an owner password when the user password has a "(" in it
+  /// (revision 2). The file key in `info` is rubbish afterwards.
   int stateByKeys(EncryptInfo& info, std::string& password) const;
 
   /// Finds the file key: by the empty password, by `password` as the user password, by it as the owner

@@ -215,9 +215,10 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// the user's; 5 (Result::passwordDoesNotFit) neither; 6 the empty password opens the source and this one
   /// isn't the owner's; 7 it is both
   int SetSourcePassword() const;
-  /// Beyond the interface as it stands: what SetSourcePassword() should give. In revisions 3 and 4 that one
-  /// takes a right password for a wrong one (5, or 6) when the first element of the source's /ID begins with
-  /// a zero byte, though the source opens with it.
+  /// Beyond the interface as it stands: what SetSourcePassword() should give. That one takes a right
+  /// password for a wrong one (5, or 6), though the source opens with it, when the first element of the
+  /// source's /ID begins with a zero byte (revisions 3 and 4), and an owner password when the user password
+  /// has a "(" in it (revision 2). A host that asks whether a password fits asks here.
   int getPasswordState() const;
   /// Beyond the interface as it stands: SetSourcePassword for a password of any length, of which 127 bytes
   /// count in a source of revision 5 or 6 and 32 in an older one. Output intents found before are forgotten,

@@ -156,6 +156,13 @@ TEST(StateByKeys, IsRightWhateverTheIdentifierBeginsWith) {
   }
 }
 
+TEST(StateByKeys, KnowsTheOwnerOfRevision2WhateverTheUserPasswordIs) {
+  EncryptInfo info = stored(protect(2, 40, "u(ser", "owner"));
+  decided(info, "owner", 5);
+  std::string password = "owner";
+  EXPECT_EQ(manager.stateByKeys(info, password), 3);
+}
+
 // How much of /U and /O counts.
 
 struct CompareCase {
