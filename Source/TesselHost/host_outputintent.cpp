@@ -38,16 +38,17 @@ constexpr std::string_view packetForm =
     "</x:xmpmeta>\n"
     "<?xpacket end=\"r\"?>";
 
+/// Wrong usage where there is none: the name may be a misspelt word of the option.
 std::string contentOf(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) throw HostError(fmt::format("{}: the profile can't be read: {}", path, std::strerror(errno)));
+  if (!in) throw UsageError(fmt::format("{}: the profile can't be read: {}", path, std::strerror(errno)));
   std::string bytes;
   std::array<char, 1U << 16U> block{};
   while (in.read(block.data(), block.size()), in.gcount() > 0) {
     bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
-    if (bytes.size() > longestProfile) throw HostError(path + ": too large for an ICC profile");
+    if (bytes.size() > longestProfile) throw UsageError(path + ": too large for an ICC profile");
   }
-  if (in.bad()) throw HostError(path + ": the profile can't be read");
+  if (in.bad()) throw UsageError(path + ": the profile can't be read");
   return bytes;
 }
 

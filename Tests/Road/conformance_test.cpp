@@ -183,6 +183,9 @@ TEST_F(OutputIntents, RefuseWhatIsNoProfile) {
   EXPECT_EQ(outcome.status, 2);
   EXPECT_EQ(outcome.err, "tessel: bad.icc: no ICC profile of grey, RGB, Lab or CMYK colours\n");
   EXPECT_EQ(nup({"in.pdf"}, {"--output-intent", "missing.icc"}).status, 2);
+  EXPECT_EQ(nup({"in.pdf"}, {"--output-intent", "."}).err, "tessel: .: the profile can't be read\n");
+  EXPECT_EQ(nup({"in.pdf"}, {"--output-intent", "/dev/zero"}).err,
+            "tessel: /dev/zero: too large for an ICC profile\n");
   EXPECT_EQ(files(), (std::vector<std::string>{"bad.icc", "in.pdf"}));
 }
 
