@@ -105,7 +105,7 @@ TEST_F(Usage, ASourceMayComeThroughAPipe) {
   };
   EXPECT_NE(identifier("a.pdf"), identifier("b.pdf"));
   // A pipe with a name is there again after it was read, and would be waited for.
-  EXPECT_EQ(shell("mkfifo pipe && cat in.pdf > pipe & sleep 0.2; timeout 10 " + quoted(TESSEL_TOOL) +
+  EXPECT_EQ(shell("mkfifo pipe; cat in.pdf > pipe & timeout 20 " + quoted(TESSEL_TOOL) +
                   " nup pipe --grid 1x1 -o c.pdf")
                 .status,
             0);
@@ -139,9 +139,10 @@ struct SignalCase {
 class Interrupted : public RoadTest, public testing::WithParamInterface<SignalCase> {};
 
 TEST_P(Interrupted, EndsByTheSignalAndLeavesNothing) {
-  const Outcome outcome =
-      shell("mkfifo pipe; env --default-signal " + quoted(TESSEL_TOOL) +
-            " nup pipe -o out.pdf --grid 1x1 & sleep 0.3; kill -" + GetParam().name + " $!; wait $!");
+  // Opening the pipe waits for the tool.
+  const Outcome outcome = shell("mkfifo pipe; env --default-signal " + quoted(TESSEL_TOOL) +
+                                " nup pipe -o out.pdf --grid 1x1 & exec 3>pipe; kill -" + GetParam().name +
+                                " $!; exec 3>&-; wait $!");
   EXPECT_EQ(outcome.status, GetParam().status);
   // The shell has a line of its own for some signals.
   EXPECT_THAT(outcome.err, testing::StartsWith("tessel: interrupted\n"));
@@ -155,9 +156,9 @@ INSTANTIATE_TEST_SUITE_P(Signals, Interrupted,
 
 TEST_F(Usage, AnInterruptThatIsIgnoredFromTheStartStaysSo) {
   file("in.pdf", aPage());
-  const Outcome outcome =
-      shell("mkfifo pipe; env --ignore-signal=HUP " + quoted(TESSEL_TOOL) +
-            " nup pipe -o out.pdf --grid 1x1 & sleep 0.3; kill -HUP $!; cat in.pdf > pipe; wait $!");
+  const Outcome outcome = shell(
+      "mkfifo pipe; env --ignore-signal=HUP " + quoted(TESSEL_TOOL) +
+      " nup pipe -o out.pdf --grid 1x1 & exec 3>pipe; kill -HUP $!; cat in.pdf >&3; exec 3>&-; wait $!");
   EXPECT_EQ(outcome.status, 0) << outcome.err;
 }
 
