@@ -43,6 +43,13 @@ TEST(RareString, MovesItsText) {
   EXPECT_EQ(std::string(second), "a");
 }
 
+TEST(RareString, ComparesAsItsText) {
+  EXPECT_TRUE(RareString() == "");
+  EXPECT_TRUE(RareString(std::string("a")) == std::string("a"));
+  EXPECT_FALSE(RareString(std::string("a")) == "b");
+  EXPECT_FALSE(RareString() == "a");
+}
+
 TEST(RareString, TakesAPointersRoom) { EXPECT_EQ(sizeof(RareString), sizeof(void*)); }
 
 }  // namespace

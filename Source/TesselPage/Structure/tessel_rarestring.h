@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace TESSEL {
@@ -23,6 +24,9 @@ class RareString {
 
   bool empty() const { return !text; }
   operator std::string() const { return text ? *text : std::string(); }
+  friend bool operator==(const RareString& a, std::string_view b) {
+    return a.empty() ? b.empty() : *a.text == b;
+  }
 
  private:
   std::unique_ptr<std::string> text;
