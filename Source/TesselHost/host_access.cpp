@@ -63,6 +63,7 @@ bool isUnknown(const CTesselPage& reader) {
 
 Opening openReader(CTesselPage& reader, const std::string& password) {
   pcrypt::PDFEncryptionManager::useSystemRandom();
+  reader.heedIdentityFilters();
   int result = reader.init();
   int state = reader.getPasswordState();
   for (const std::string& form : furtherForms(password)) {

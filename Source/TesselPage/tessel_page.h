@@ -220,6 +220,11 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// source's /ID begins with a zero byte (revisions 3 and 4), and an owner password when the user password
   /// has a "(" in it (revision 2). A host that asks whether a password fits asks here.
   int getPasswordState() const;
+  /// Beyond the interface as it stands, before init(): has a source of which only attached files are
+  /// encrypted (/StmF and /StrF name the identity filter, or nothing) read as it is. It needs no password
+  /// then, and getPasswordState() gives 6 where none fits; attached files stay encrypted in any case. Without
+  /// this call the strings and streams of such a source are decrypted like all others.
+  void heedIdentityFilters();
   /// Beyond the interface as it stands: SetSourcePassword for a password of any length, of which 127 bytes
   /// count in a source of revision 5 or 6 and 32 in an older one. Output intents found before are forgotten,
   /// where the other forms leave them in front.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <sstream>
 #include <string>
 
 #include "TesselPage/Security/tessel_encrypt.h"
@@ -61,6 +62,42 @@ TEST(SecurityEdges, StatesWithoutATestHaveTheirTypesToo) {
     EXPECT_EQ(security.type, row.type) << row.dictionary;
     EXPECT_EQ(security.permissions, -8) << row.dictionary;
   }
+}
+
+/// A page whose content is of one block, which decryption would take for a vector without data.
+std::string withAttachmentsEncrypted() {
+  return pdf()
+      .onePage("/Contents 4 0 R")
+      .stream(4, "", "0 0 10 10 re f  ")
+      .object(9,
+              "<</Filter/Standard/V 5/R 6/Length 256/P -4/O(o)/U(u)/OE(o)/UE(u)/Perms(p)"
+              "/CF<</StdCF<</CFM/AESV3>>>>/EFF/StdCF/StmF/Identity/StrF/Identity>>")
+      .trailer("/Encrypt 9 0 R/ID[(a)(b)]")
+      .build();
+}
+
+std::string contentOf(CTesselPage& page) {
+  const std::string* content = nullptr;
+  EXPECT_EQ(page.setPageNo(1), 0);
+  EXPECT_EQ(page.getPageContents(&content), 0);
+  return *content;
+}
+
+TEST(SecurityEdges, IdentityFiltersCountForHostsThatAskForIt) {
+  std::istringstream file(withAttachmentsEncrypted());
+  CTesselPage page(file, "");
+  page.heedIdentityFilters();
+  EXPECT_EQ(page.init(), 0);
+  EXPECT_EQ(page.getPasswordState(), 6);
+  EXPECT_EQ(page.SetSourcePassword(), 5);
+  EXPECT_EQ(contentOf(page), "\r\n0 0 10 10 re f  \n\r");
+}
+
+TEST(SecurityEdges, IdentityFiltersArePassedOverOtherwise) {
+  const OpenPage open = PdfBuilder::openPageBytes(withAttachmentsEncrypted());
+  EXPECT_EQ(open.result, 0);
+  EXPECT_EQ(open->getPasswordState(), 5);
+  EXPECT_EQ(contentOf(*open.page), "\r\n\n\r");
 }
 
 struct PermissionsCase {

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// Paints what strings and streams of its objects tell: an image, a colour space with a palette, a form.
-std::string colourfulPage() {
+PdfBuilder colourfulDocument() {
   const std::string image =
       "/Type/XObject/Subtype/Image/Width 2/Height 2/BitsPerComponent 8/ColorSpace/DeviceRGB";
   return pdf()
@@ -32,10 +32,12 @@ std::string colourfulPage() {
       .stream(6, "/Type/XObject/Subtype/Form/BBox[0 0 80 80]", "0 0.5 0 rg 0 0 80 80 re f")
       .object(7, "[/Indexed/DeviceRGB 1(\\377\\377\\377\\320\\040\\040)]")
       .object(8, "<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>")
-      .object(9, "<</Title(a secret title)>>")
-      .trailer("/Info 9 0 R/ID[<30313233343536373839616263646566><31>]")
-      .build();
+      .object(9, "<</Title(a secret title)>>");
 }
+
+constexpr const char* colourfulTrailer = "/Info 9 0 R/ID[<30313233343536373839616263646566><31>]";
+
+std::string colourfulPage() { return colourfulDocument().trailer(colourfulTrailer).build(); }
 
 class Security : public RoadTest {
  protected:
@@ -498,6 +500,19 @@ TEST_F(Security, APasswordOfAnOutputOpensItElsewhere) {
     EXPECT_EQ(complaintsAbout("out.pdf", "pässwört €"), "") << cipher;
     EXPECT_EQ(openedWith("out.pdf", "pässwört €"), "user") << cipher;
   }
+}
+
+TEST_F(Security, ASourceWithAttachedFilesEncryptedAloneNeedsNoPassword) {
+  file("source.pdf", colourfulDocument()
+                         .object(10,
+                                 "<</Filter/Standard/V 5/R 6/Length 256/P -4/O(o)/U(u)/OE(o)/UE(u)/Perms(p)"
+                                 "/CF<</StdCF<</CFM/AESV3>>>>/EFF/StdCF/StmF/Identity/StrF/Identity>>")
+                         .trailer(std::string(colourfulTrailer) + "/Encrypt 10 0 R")
+                         .build());
+  EXPECT_EQ(openedWith("source.pdf", ""), "none");
+  EXPECT_EQ(openedWith("source.pdf", "any"), "none");
+  EXPECT_EQ(place("source.pdf", {}).status, 0);
+  expectSameLook("out.pdf");
 }
 
 TEST_F(Security, DoubtfulPasswordsAreToldOf) {

@@ -146,6 +146,35 @@ TEST(ReadEncryptDictionary, LengthsThatTheTableHasAtItsEdges) {
   }
 }
 
+struct IdentityCase {
+  const char* entries;
+  bool identity;
+};
+
+// A filter that isn't named is the identity one too; before version 4 there are none.
+TEST(ReadEncryptDictionary, ContentsHaveTheIdentityFilterWhenStreamsAndStringsHave) {
+  constexpr IdentityCase rows[] = {{"/V 5/StmF/Identity/StrF/Identity", true},
+                                   {"/StrF/Identity/StmF/Identity/V 4", true},
+                                   {"/V 5", true},
+                                   {"/V 4/StmF/Identity", true},
+                                   {"/V 5/StmF/StdCF/StrF/Identity", false},
+                                   {"/V 5/StmF/Identity/StrF/StdCF", false},
+                                   {"/V 2", false},
+                                   {"/V 2/StmF/Identity/StrF/Identity", false}};
+  for (const IdentityCase& row : rows) {
+    const ReadRecord read = readFrom(std::string("<</Filter/Standard/R 4") + row.entries + ">>");
+    EXPECT_EQ(read.record.identityContents, row.identity) << row.entries;
+    EXPECT_FALSE(read.record.leavesContents()) << row.entries;
+  }
+}
+
+TEST(ReadEncryptDictionary, TheNameOfAFilterIsPassedOverLikeAnyOtherToken) {
+  const ReadRecord read = readFrom("<</Filter/Standard/StmF/R 4/StrF/V 4>>");
+  EXPECT_TRUE(read.result);
+  EXPECT_EQ(read.record.R, 4);
+  EXPECT_EQ(read.record.V, 4);
+}
+
 TEST(ReadEncryptDictionary, OnlyTheWordFalseClearsTheMetadataFlag) {
   for (const char* word : {"true", "null", "0", "/false", "False"})
     EXPECT_TRUE(readFrom(std::string("<</V 4/R 4/EncryptMetadata ") + word + ">> ").record.encryptMetadata)

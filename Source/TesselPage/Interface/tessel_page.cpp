@@ -63,6 +63,7 @@ int CTesselPage::init() {
     state->sourFile = std::make_unique<CSourFile>(*state->sourceStream);
     CSourFile& source = *state->sourFile;
     source.fileInfo.encrypt.setPassword(state->password);
+    source.fileInfo.encrypt.heedsIdentity = state->heedsIdentityFilters;
     if (state->sourceStream->fail()) return Result::notReadable;
     const int opened = source.CheckAndInit();
     if (opened != Result::success) return opened;

@@ -173,11 +173,16 @@ int CTesselPage::SetSourcePassword() const {
 int CTesselPage::getPasswordState() const {
   const int told = SetSourcePassword();
   if (told != PDFDecryptionManager::neither && told != PDFDecryptionManager::emptyNotOwner) return told;
+  const CEncrypt& encrypt = state->sourFile->fileInfo.encrypt;
   pcrypt::EncryptInfo info;
-  saveEncryptInfo(state->sourFile->fileInfo.encrypt, info);
-  std::string tried = state->sourFile->fileInfo.encrypt.passwordText();
-  return PDFDecryptionManager().stateByKeys(info, tried);
+  saveEncryptInfo(encrypt, info);
+  std::string tried = encrypt.passwordText();
+  const int known = PDFDecryptionManager().stateByKeys(info, tried);
+  const bool needsNone = known == PDFDecryptionManager::neither && encrypt.leavesContents();
+  return needsNone ? PDFDecryptionManager::emptyNotOwner : known;
 }
+
+void CTesselPage::heedIdentityFilters() { state->heedsIdentityFilters = true; }
 
 std::string CTesselPage::getEncryptString() const {
   CSourFile& source = *state->sourFile;

@@ -58,6 +58,7 @@ class Nesting {
 constexpr int length40 = 40;
 constexpr int length128 = 128;
 constexpr int length256 = 256;
+constexpr int firstVersionOfFilters = 4;
 
 }  // namespace
 
@@ -97,15 +98,23 @@ class EncryptScan {
         {"/Perms", &EncryptScan::readString<&CEncrypt::Perms>},
         {nmCF, &EncryptScan::readCryptFilters},
         {nmEncryptMetadata, &EncryptScan::readMetadataFlag},
+        {"/StmF", &EncryptScan::noteFilter<&EncryptScan::streamFilter>},
+        {"/StrF", &EncryptScan::noteFilter<&EncryptScan::stringFilter>},
     };
     if (boundedByEnd && source.tellg() > end) return Turn::success;
     return dispatch(*this, rows, token);
   }
 
+  /// Whether both streams and strings have the identity filter, which is also that of those that name none
+  /// (ISO 32000-2, table 20).
+  bool namesIdentity() const { return streamFilter == identityFilter && stringFilter == identityFilter; }
+
   bool aesV2 = false;
   bool aesV3 = false;
 
  private:
+  static constexpr const char* identityFilter = "/Identity";
+
   Turn stop() { return Turn::success; }
   /// An indirect dictionary goes on to "endobj", past the end of any nested one.
   Turn close() { return encrypt.id.objNum < 1 ? Turn::success : Turn::goOn; }
@@ -122,6 +131,13 @@ class EncryptScan {
     text.noDecrypt = true;
     text.Read(source);
     (encrypt.*field).put(text.value);
+    return Turn::goOn;
+  }
+  /// The value stays where it is, to be passed over like any other.
+  template <std::string EncryptScan::*filter>
+  Turn noteFilter() {
+    const PositionGuard value(source, PositionGuard::State::clear);
+    this->*filter = next();
     return Turn::goOn;
   }
   Turn readCryptFilters();
@@ -143,6 +159,8 @@ class EncryptScan {
   CEncrypt& encrypt;
   CSourFile& source;
   std::string word;
+  std::string streamFilter = identityFilter;
+  std::string stringFilter = identityFilter;
   bool boundedByEnd = false;
   long long end = CObjectPosition::nowhere;
 };
@@ -234,6 +252,7 @@ bool CEncrypt::Read(CSourFile& source) {
   if (!scanKeys(source, scan)) return false;
   settleMethod(scan.aesV2, scan.aesV3);
   settleLength();
+  identityContents = V >= firstVersionOfFilters && scan.namesIdentity();
   return true;
 }
 

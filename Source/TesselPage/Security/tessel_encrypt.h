@@ -69,7 +69,12 @@ class CEncrypt : public CObj {
   bool findFileKey(const std::string& identifier);
 
   /// Whether strings and streams that are read are decrypted.
-  bool activeForReading() const { return keySearched && accessState >= 1 && keyLength >= 1 && R >= 1; }
+  bool activeForReading() const {
+    return keySearched && accessState >= 1 && keyLength >= 1 && R >= 1 && !leavesContents();
+  }
+  /// Whether strings and streams are read as they are although there is a dictionary, since only attached
+  /// files are encrypted.
+  bool leavesContents() const { return heedsIdentity && identityContents; }
   /// Whether strings and streams of an object that has a number are encrypted while they are written.
   bool activeForWriting() const { return accessState >= 1 && keyLength >= 1; }
   /// Bytes of the file key.
@@ -99,6 +104,8 @@ class CEncrypt : public CObj {
   int method = 0;                    ///< a pcrypt::Method: the cipher of strings and streams
   int handler = 0;                   ///< standardHandler or otherHandler; 0 without a dictionary
   bool keySearched = false;          ///< the search for the file key has run
+  bool identityContents = false;     ///< /StmF and /StrF leave streams and strings as they are
+  bool heedsIdentity = false;        ///< whether that counts, which it does for hosts that ask for it
   /// Slow hashes of revision 6 that were made for this record, see pcrypt::EncryptInfo.
   std::map<std::string, std::string> knownHashes;
 

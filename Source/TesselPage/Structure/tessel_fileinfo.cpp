@@ -142,7 +142,8 @@ bool CFileInfo::readSecurity(CSourFile& source) {
     encrypt.fromStream(source);
   }
   if (encrypt.R < 1) return true;
-  return encrypt.filterName == nmStandard && encrypt.findFileKey(fileId.first);
+  if (encrypt.filterName != nmStandard) return false;
+  return encrypt.findFileKey(fileId.first) || encrypt.leavesContents();
 }
 
 const SObjState* CFileInfo::find(const SObj& object) const {
