@@ -34,7 +34,7 @@ struct PageState {
   CTesselPage::EBox boxOption = CTesselPage::visibleBox;
   Identity curPageObj{0, 0};
   bool longPassword = false;  ///< the password counts with more than 32 bytes where its revision allows that
-  bool heedsIdentityFilters = false;  ///< a source of which only attached files are encrypted is read as it is
+  bool heedsIdentityFilters = false;  ///< as CTesselPage::heedIdentityFilters has it
 
   // The key of the host's output.
   std::string encryptKey;
