@@ -105,8 +105,7 @@ void refuseHuge(const Size& sheet, const Size& page) {
       (sheet.height > largestPaperSide && sheet.height > page.height))
     throw UsageError(
         fmt::format("sheets around these pages would be larger than {} points, which readers don't show; "
-                    "--paper makes them "
-                    "smaller",
+                    "--paper makes them smaller",
                     largestPaperSide));
 }
 
@@ -289,9 +288,10 @@ NupResult nup(const NupOptions& options, Observer& observer) {
   const bool drawn = options.protection || !canReadAgain(inputs);
   const std::string id = drawn ? randomIdentifier() : identifierFor(options, inputs, claims);
   std::optional<OutputProtection> protection;
-  if (options.protection) protection.emplace(*options.protection, id);
-  if (options.protection)
+  if (options.protection) {
+    protection.emplace(*options.protection, id);
     for (const std::string& doubt : doubtsAbout(*options.protection)) observer.warn(doubt);
+  }
   OutputFile file(options.output);
   const ObjectWriter::Options writing = writerOptions(options, inputs, protection);
   OutputDocument document(file, writing, id);

@@ -65,7 +65,7 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   CTesselPage& operator=(const CTesselPage&) = delete;
 
   /// Opens the source: header, cross-reference data, catalog, page tree. Must be the first call. A source
-  /// that needs another password opens as well, and its texts are noise: ask SetSourcePassword.
+  /// that needs another password opens as well, and its texts are noise: ask getPasswordState.
   /// @return 0, 1000, 1001, 6000 or 8001; anything but 0 ends the use of the object
   int init();
   /// Selects a page, counted from 1, and reads what it needs; the map is emptied. The page that is selected

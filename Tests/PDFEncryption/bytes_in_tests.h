@@ -32,6 +32,10 @@ inline std::string hex(std::string_view digits) {
 
 using tessel_test::toHex;
 
+/// The 32 bytes that passwords up to revision 4 are padded with (ISO 32000-2, 7.6.4.3.2, Algorithm 2, step
+/// a).
+inline const std::string padText = hex("28bf4e5e4e758a4164004e56fffa01082e2e00b6d0683e802f0ca9fe6453697a");
+
 inline unsigned char* at(std::string& s) { return reinterpret_cast<unsigned char*>(s.data()); }
 inline const unsigned char* at(const std::string& s) {
   return reinterpret_cast<const unsigned char*>(s.data());

@@ -15,10 +15,10 @@ namespace {
 
 using namespace pcrypt;
 using raw::hex;
+using raw::padText;
 using raw::toHex;
 
 const PDFDecryptionManager manager;
-const std::string padText = hex("28bf4e5e4e758a4164004e56fffa01082e2e00b6d0683e802f0ca9fe6453697a");
 
 struct Decision {
   int state;

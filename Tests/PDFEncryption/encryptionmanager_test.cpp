@@ -11,9 +11,9 @@ namespace {
 
 using namespace pcrypt;
 using raw::hex;
+using raw::padText;
 using raw::toHex;
 
-const std::string padText = hex("28bf4e5e4e758a4164004e56fffa01082e2e00b6d0683e802f0ca9fe6453697a");
 const std::string filler16(16, '\x5a');
 
 /// Entries that another program computed from the standard's steps, for user password "user", owner password

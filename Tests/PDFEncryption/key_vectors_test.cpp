@@ -11,12 +11,12 @@ namespace {
 
 using namespace pcrypt;
 using raw::hex;
+using raw::padText;
 using raw::toHex;
 
 const PDFDecryptionManager reader;
 const PDFEncryptionManager writer;
 
-const std::string padText = hex("28bf4e5e4e758a4164004e56fffa01082e2e00b6d0683e802f0ca9fe6453697a");
 const std::string ownerEntry = "owner entry of thirty-two bytes.";
 const std::string identifier = "identifier-of-16";
 const std::string zeroIdentifier = '\0' + identifier.substr(1);

@@ -11,39 +11,16 @@
 #include "TesselPage/Security/tessel_encrypt.h"
 #include "TesselPage/Security/tessel_encryptbridge.h"
 #include "TesselPage/Security/tessel_legacypassword.h"
-#include "Tests/Support/hex.h"
+#include "Tests/PDFEncryption/bytes_in_tests.h"
+#include "Tests/Security/keyed_record.h"
 
 using namespace TESSEL;
-using tessel_test::toHex;
+using namespace tessel_test;
+using raw::padText;
 
 namespace {
 
-const std::string key128 = "0123456789abcdef";
-const std::string key256 = "0123456789abcdef0123456789ABCDEF";
 const SObj object(12, 3);
-unsigned char* bytes(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
-const unsigned char* bytes(const std::string& text) {
-  return reinterpret_cast<const unsigned char*>(text.data());
-}
-
-std::string fromHex(const std::string& digits) {
-  std::string result;
-  for (std::size_t i = 0; i < digits.size(); i += 2)
-    result += static_cast<char>(std::stoi(digits.substr(i, 2), nullptr, 16));
-  return result;
-}
-
-const std::string padText = fromHex("28bf4e5e4e758a4164004e56fffa01082e2e00b6d0683e802f0ca9fe6453697a");
-
-CEncrypt recordOf(const std::string& key, int version, int method) {
-  CEncrypt record;
-  record.fileKey.put(key);
-  record.keyLength = static_cast<int>(key.size()) * 8;
-  record.V = version;
-  record.R = 4;
-  record.method = method;
-  return record;
-}
 
 struct CipherCase {
   std::string fileKey;
@@ -74,8 +51,8 @@ struct AesCase {
 };
 
 TEST(BridgeBytes, EncryptStringIsAesFromVersion4OnWith256BitsInVersion5Alone) {
-  const std::string plainKey = fromHex("e4c3175f23f0ec2cdf1b50799bfe12b0");
-  const std::string saltedKey = fromHex("a3255fe29fb0c87db50f74fa0f5f256f");
+  const std::string plainKey = raw::hex("e4c3175f23f0ec2cdf1b50799bfe12b0");
+  const std::string saltedKey = raw::hex("a3255fe29fb0c87db50f74fa0f5f256f");
   const AesCase rows[] = {{key128, 4, 1, plainKey},
                           {key128, 4, 2, saltedKey},
                           {key256, 4, 3, key128},
@@ -86,9 +63,11 @@ TEST(BridgeBytes, EncryptStringIsAesFromVersion4OnWith256BitsInVersion5Alone) {
     EXPECT_EQ(encryptString(recordOf(row.fileKey, row.version, row.method), &object, data), 0);
     ASSERT_EQ(data.size(), 32U) << row.version;
     pcrypt::Rijndael cipher;
-    cipher.init(pcrypt::Rijndael::CBC, pcrypt::Rijndael::Decrypt, bytes(row.aesKey),
-                row.version == 5 ? pcrypt::Rijndael::Key32Bytes : pcrypt::Rijndael::Key16Bytes, bytes(data));
-    EXPECT_EQ(cipher.padDecrypt(bytes(data) + 16, 16, bytes(back)), 9) << row.version << ' ' << row.method;
+    cipher.init(pcrypt::Rijndael::CBC, pcrypt::Rijndael::Decrypt, raw::at(row.aesKey),
+                row.version == 5 ? pcrypt::Rijndael::Key32Bytes : pcrypt::Rijndael::Key16Bytes,
+                raw::at(data));
+    EXPECT_EQ(cipher.padDecrypt(raw::at(data) + 16, 16, raw::at(back)), 9)
+        << row.version << ' ' << row.method;
     EXPECT_EQ(back.substr(0, 9), "some text");
   }
 }
@@ -103,7 +82,7 @@ TEST(BridgeBytes, DecryptStringGoesByTheMethodWhateverTheVersion) {
                                {key128, version, 2, aesV2.c_str()},
                                {key256, version, 3, aesV3.c_str()}};
     for (const CipherCase& row : rows) {
-      std::string data = fromHex(row.cipher);
+      std::string data = raw::hex(row.cipher);
       EXPECT_EQ(DecryptString(recordOf(row.fileKey, version, row.method), &object, data), 0);
       EXPECT_EQ(data, "some text") << version << ' ' << row.method;
     }
@@ -121,7 +100,7 @@ TEST(BridgeBytes, NothingDecryptsToNothing) {
 TEST(BridgeBytes, EncryptAesPadsAWholeBlockToo) {
   for (const std::size_t size : {0U, 15U, 16U}) {
     std::string data(size, 'x');
-    EXPECT_EQ(encryptAES(data, bytes(key128), 4), 0);
+    EXPECT_EQ(encryptAES(data, raw::at(key128), 4), 0);
     EXPECT_EQ(data.size(), size < 16 ? 32U : 48U);
   }
 }
@@ -180,11 +159,11 @@ TEST(LegacyBytes, CreatekeyAndCreateTestKeyHash32BytesOfOAndTheIdentifierWhole) 
   for (const FileKeyCase& row : rows) {
     CEncrypt record = legacyRecord(row);
     std::string buffer = password;
-    createTestKey(record, bytes(buffer), false);
+    createTestKey(record, raw::at(buffer), false);
     EXPECT_EQ(toHex(buffer), row.key + toHex(password.substr(record.keyBytes()))) << row.revision;
     EXPECT_EQ(record.fileKey.first(16), std::string(16, '\0'));
     buffer = password;
-    createkey(record, bytes(buffer));
+    createkey(record, raw::at(buffer));
     EXPECT_EQ(toHex(record.fileKey.first(record.keyBytes())), row.key) << row.revision;
     EXPECT_EQ(buffer, password);
   }
@@ -198,7 +177,7 @@ TEST(LegacyBytes, CreateTestKeyWithHashOnlyHashesTheBufferOnce) {
     record.keyLength = keyLength;
     std::string buffer = "user" + padText.substr(0, 28);
     const std::string behind = buffer.substr(record.keyBytes());
-    createTestKey(record, bytes(buffer), true);
+    createTestKey(record, raw::at(buffer), true);
     EXPECT_EQ(toHex(buffer), hash + toHex(behind));
   }
 }
@@ -228,16 +207,16 @@ TEST(LegacyBytes, CalcKeySaltsForMethod2AndHashesForMethod3Too) {
 
 TEST(LegacyBytes, DigestsAreCutToTheLengthAskedFor) {
   std::string data = "abc", digest(16, '.');
-  EXPECT_EQ(MD5decrypt(bytes(data), 3, bytes(digest), 5), 0);
+  EXPECT_EQ(MD5decrypt(raw::at(data), 3, raw::at(digest), 5), 0);
   EXPECT_EQ(toHex(digest), "900150983c" + toHex("..........."));
 }
 
 TEST(LegacyBytes, DecryptAesTakes128BitsAndDropsTheVector) {
-  std::string key = fromHex("a3255fe29fb0c87db50f74fa0f5f256f");
-  std::string data = fromHex("7369787465656e20627974657320697616e83d5184904b44cf0220158295cc09");
+  std::string key = raw::hex("a3255fe29fb0c87db50f74fa0f5f256f");
+  std::string data = raw::hex("7369787465656e20627974657320697616e83d5184904b44cf0220158295cc09");
   const std::string before = data;
   int length = 32;
-  EXPECT_EQ(decryptAES(bytes(data), length, bytes(key)), 0);
+  EXPECT_EQ(decryptAES(raw::at(data), length, raw::at(key)), 0);
   EXPECT_EQ(length, 9);
   EXPECT_EQ(data, "some text" + before.substr(9));
 }
@@ -245,7 +224,7 @@ TEST(LegacyBytes, DecryptAesTakes128BitsAndDropsTheVector) {
 TEST(LegacyBytes, DecryptAesOfNothingFails) {
   std::string key = key128, data = "untouched";
   int length = 0;
-  EXPECT_EQ(decryptAES(bytes(data), length, bytes(key)), -1);
+  EXPECT_EQ(decryptAES(raw::at(data), length, raw::at(key)), -1);
   EXPECT_EQ(length, 0);
   EXPECT_EQ(data, "untouched");
 }
@@ -269,7 +248,7 @@ TEST(LegacyBytes, AUserPasswordWithAZeroByteIsKeptAsEmpty) {
   resaveEncryptInfo(info, record);
   record.userPassword = "left over";
   std::string owner = "owner";
-  EXPECT_TRUE(isOwnerPWD(record, bytes(owner), 3));
+  EXPECT_TRUE(isOwnerPWD(record, raw::at(owner), 3));
   EXPECT_EQ(record.userPassword, "");
   EXPECT_EQ(record.ownerPassword, "own");
 }

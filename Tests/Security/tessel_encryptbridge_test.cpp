@@ -10,26 +10,14 @@
 #include "TesselPage/Syntax/tessel_stream.h"
 #include "TesselPage/Syntax/tessel_string.h"
 #include "TesselPage/Writer/tessel_destfile.h"
+#include "Tests/Security/keyed_record.h"
 
 using namespace TESSEL;
+using namespace tessel_test;
 
 namespace {
 
-const std::string key128 = "0123456789abcdef";
-const std::string key256 = "0123456789abcdef0123456789ABCDEF";
 const SObj object(12, 3);
-
-CEncrypt recordOf(const std::string& key, int version, int method) {
-  CEncrypt record;
-  record.fileKey.put(key);
-  record.keyLength = static_cast<int>(key.size()) * 8;
-  record.V = version;
-  record.R = 4;
-  record.method = method;
-  record.accessState = CEncrypt::keyFromHost;
-  record.keySearched = true;
-  return record;
-}
 
 const CEncrypt rc4Record = recordOf(key128, 2, 1);
 const CEncrypt aes128Record = recordOf(key128, 4, 2);

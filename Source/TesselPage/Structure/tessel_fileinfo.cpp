@@ -142,8 +142,7 @@ bool CFileInfo::readSecurity(CSourFile& source) {
     encrypt.fromStream(source);
   }
   if (encrypt.R < 1) return true;
-  if (encrypt.filterName != nmStandard) return false;
-  return encrypt.findFileKey(fileId.first) || encrypt.leavesContents();
+  return encrypt.filterName == nmStandard && encrypt.findFileKey(fileId.first);
 }
 
 const SObjState* CFileInfo::find(const SObj& object) const {
