@@ -9,7 +9,6 @@
 #include <cerrno>
 #include <cstring>
 #include <optional>
-#include <vector>
 
 #include "PDFEncryption/decryptionmanager.h"
 #include "PDFEncryption/encryptinfo.h"
@@ -27,17 +26,53 @@ namespace Result = TESSEL::Result;
 
 constexpr std::size_t longestShortPassword = 32;
 
-/// What to try when the first 32 bytes, as they are, didn't do.
-std::vector<std::string> furtherForms(const std::string& password) {
+/// What to try of a password.
+/// @param begun  its first 32 bytes, as they are, have been tried
+std::vector<std::string> formsOf(const std::string& password, bool begun) {
   std::vector<std::string> forms;
-  if (password.size() > longestShortPassword) forms.push_back(password);
+  if (!begun || password.size() > longestShortPassword) forms.push_back(password);
   // Up to revision 4 a character is a byte (ISO 32000-2, 7.6.4.3.2, Algorithm 2, step a).
   if (auto bytes = pdfDocEncoded(password); bytes && *bytes != password) forms.push_back(std::move(*bytes));
   return forms;
 }
 
-bool isSettled(int passwordState) {
-  return passwordState != PDFDecryptionManager::neither && passwordState != Result::passwordNotTried;
+/// How far a password leads, each value further than the one before.
+enum class Reach { untried, closed, open, whole };
+
+Reach reachOf(int passwordState) {
+  switch (passwordState) {
+    case Result::passwordNotTried:
+      return Reach::untried;
+    case PDFDecryptionManager::neither:
+      return Reach::closed;
+    case PDFDecryptionManager::emptyAndOwner:
+    case PDFDecryptionManager::ownerOnly:
+    case PDFDecryptionManager::userAndOwner:
+      return Reach::whole;
+    default:
+      return Reach::open;
+  }
+}
+
+/// What leads further than the first password as it is, which the source was opened with.
+/// @param state  where that one has led
+std::optional<std::string> betterForm(const CTesselPage& reader, int state, const Passwords& passwords) {
+  std::optional<std::string> best;
+  Reach reached = reachOf(state);
+  bool begun = true;
+  for (const std::string& password : passwords) {
+    Reach reach = begun ? reached : Reach::untried;
+    for (const std::string& form : formsOf(password, begun)) {
+      if (reached == Reach::whole) return best;
+      if (reach >= Reach::open) break;
+      reach = reachOf(reader.getPasswordState(form));
+      if (reach <= reached) continue;
+      best = form;
+      reached = reach;
+    }
+    begun = false;
+  }
+  return best;
 }
 
 /// Opens the source anew.
@@ -59,20 +94,27 @@ bool isUnknown(const CTesselPage& reader) {
          (security.revision > 0 || reader.getEncryptString().find("<<") != std::string::npos);
 }
 
+std::string reasonToStayClosed(const Passwords& passwords) {
+  if (passwords.size() > 1) return "none of the passwords opens it";
+  return firstOf(passwords).empty() ? "it needs a password" : "the password doesn't open it";
+}
+
 }  // namespace
 
-Opening openReader(CTesselPage& reader, const std::string& password) {
+std::string firstOf(const Passwords& passwords) {
+  return passwords.empty() ? std::string() : passwords.front();
+}
+
+Opening openReader(CTesselPage& reader, const Passwords& passwords) {
   pcrypt::PDFEncryptionManager::useSystemRandom();
   reader.heedIdentityFilters();
   int result = reader.init();
   int state = reader.getPasswordState();
-  for (const std::string& form : furtherForms(password)) {
-    if (isSettled(state)) break;
-    result = reopen(reader, form);
+  if (const auto better = betterForm(reader, state, passwords)) {
+    result = reopen(reader, *better);
     state = reader.getPasswordState();
   }
-  if (state == PDFDecryptionManager::neither)
-    return {Result::wrongPassword, password.empty() ? "it needs a password" : "the password doesn't open it"};
+  if (state == PDFDecryptionManager::neither) return {Result::wrongPassword, reasonToStayClosed(passwords)};
   if (state == Result::passwordNotTried) return {state, "its encryption takes no password"};
   if (state == Result::notProtected && isUnknown(reader))
     return {Result::passwordNotTried, "its encryption isn't known"};
@@ -91,8 +133,8 @@ std::string troubleWith(const std::string& path) {
 
 }  // namespace
 
-Opening openFile(CTesselPage& reader, const std::string& path, const std::string& password) {
-  Opening opening = openReader(reader, password);
+Opening openFile(CTesselPage& reader, const std::string& path, const Passwords& passwords) {
+  Opening opening = openReader(reader, passwords);
   if (opening.result != Result::notReadable) return opening;
   if (std::string trouble = troubleWith(path); !trouble.empty()) opening.reason = std::move(trouble);
   return opening;
@@ -141,7 +183,7 @@ std::string_view Access::opener() const { return openerOf(passwordState).words; 
 
 std::string_view Access::openerWord() const { return openerOf(passwordState).word; }
 
-bool Access::byOwner() const { return openerWord() == "owner" || openerWord() == "both"; }
+bool Access::byOwner() const { return reachOf(passwordState) == Reach::whole; }
 
 bool Access::mayPlace() const {
   return !encrypted() || byOwner() || permissions().allowPlacing(security.revision);

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "TesselHost/host_permissions.h"
 #include "TesselPage/tessel_page.h"
@@ -14,13 +15,21 @@ struct Opening {
   std::string reason;  ///< of a result other than 0, in words
 };
 
-/// Opens a source: the reader's init, with the operating system's random source in use from then on, and the
-/// password in each form that a file may have been made with. A password that isn't needed is ignored. A
+/// The passwords at hand for a source, in the order in which they are tried. None is as good as an empty one.
+using Passwords = std::vector<std::string>;
+
+/// What a reader is to be made with that openReader then opens.
+std::string firstOf(const Passwords& passwords);
+
+/// Opens a source: the reader's init, with the operating system's random source in use from then on, and each
+/// password in each form that a file may have been made with. The first that is the owner's is the one that
+/// the reader then keeps, else the first that opens the source. Passwords that aren't needed are ignored. A
 /// source that no password at hand opens is one that isn't open.
-Opening openReader(TESSEL::CTesselPage& reader, const std::string& password);
+/// @param reader  made with the first of the passwords
+Opening openReader(TESSEL::CTesselPage& reader, const Passwords& passwords);
 
 /// The same for a source given by path. Where it isn't readable the reason tells what is known of the file.
-Opening openFile(TESSEL::CTesselPage& reader, const std::string& path, const std::string& password);
+Opening openFile(TESSEL::CTesselPage& reader, const std::string& path, const Passwords& passwords);
 
 /// Who has opened a source, and what that allows.
 class Access {

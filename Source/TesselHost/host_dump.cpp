@@ -23,11 +23,11 @@ class Dumper {
   Dumper(const DumpOptions& someOptions, ByteSink& aSink)
       : options(someOptions),
         sink(aSink),
-        reader(someOptions.input.c_str(), someOptions.password),
+        reader(someOptions.input.c_str(), firstOf(someOptions.passwords)),
         start(someOptions.start) {}
 
   Opening open() {
-    Opening opening = openFile(reader, options.input, options.password);
+    Opening opening = openFile(reader, options.input, options.passwords);
     const int result = opening.result;
     json.beginObject().key("init").value(result).key("pages");
     json.value(result == Result::success ? reader.getPageCount() : 0).key("root");

@@ -11,7 +11,7 @@ namespace TesselHost {
 
 struct DumpOptions {
   std::string input;
-  std::string password;  ///< ignored when none is needed
+  Passwords passwords;  ///< ignored when none is needed
   PageRange pages;
   int start = 1;         ///< first object number of the output
   bool summary = false;  ///< SHA-256 digests in hexadecimal in place of the bytes in base64

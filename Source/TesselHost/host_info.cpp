@@ -181,8 +181,8 @@ void endLine(JsonWriter& json, ByteSink& sink) {
 
 }  // namespace
 
-void describe(const std::string& file, const std::string& password, ByteSink& sink) {
-  const Source source(file, password);
+void describe(const std::string& file, const Passwords& passwords, ByteSink& sink) {
+  const Source source(file, passwords);
   const int count = source.pageCount();
   sink.write(
       fmt::format("{}: PDF {}, {} page{}\n", file, source.version().text(), count, count == 1 ? "" : "s"));
@@ -202,8 +202,8 @@ void describe(const std::string& file, const std::string& password, ByteSink& si
   sink.write(inventoryText(inventoryOf(source)));
 }
 
-void describeAsJson(const std::string& file, const std::string& password, ByteSink& sink) {
-  const Source source(file, password);
+void describeAsJson(const std::string& file, const Passwords& passwords, ByteSink& sink) {
+  const Source source(file, passwords);
   JsonWriter json;
   json.beginObject().key("file").value(file).key("version").value(source.version().text());
   json.key("encryption");
@@ -217,11 +217,11 @@ void describeAsJson(const std::string& file, const std::string& password, ByteSi
   endLine(json, sink);
 }
 
-void extractProfile(const std::string& file, const std::string& password, int number,
+void extractProfile(const std::string& file, const Passwords& passwords, int number,
                     const std::string& output) {
   if (isSameFile(file, output))
     throw UsageError(fmt::format("{}: the output would overwrite this input", file));
-  const std::string profile = profileOf(Source(file, password), number);
+  const std::string profile = profileOf(Source(file, passwords), number);
   OutputFile target(output);
   target.write(profile);
   target.commit();

@@ -52,7 +52,7 @@ std::vector<Input> openInputs(const NupOptions& options) {
   const Source::Form form = options.ascii ? Source::Form::ascii : Source::Form::asStored;
   std::vector<Input> inputs;
   for (const std::string& path : options.inputs) {
-    Input input{std::make_unique<Source>(path, options.password, form), {}};
+    Input input{std::make_unique<Source>(path, options.passwords, form), {}};
     if (!options.ignorePermissions) refuseForbidden(*input.source);
     input.pages = options.pages.pagesOf(input.source->pageCount());
     inputs.push_back(std::move(input));

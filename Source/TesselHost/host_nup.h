@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "TesselHost/host_access.h"
 #include "TesselHost/host_extras.h"
 #include "TesselHost/host_layout.h"
 #include "TesselHost/host_observer.h"
@@ -27,7 +28,7 @@ struct NupOptions {
   IntentChoice outputIntent;                    ///< of the output
   bool objectStreams = false;                   ///< a smaller file, for readers of PDF 1.5 and later
   bool ascii = false;                           ///< within seven bits; neither packed nor encrypted then
-  std::string password;                         ///< of whichever inputs need one
+  Passwords passwords;                          ///< of whichever inputs need one
   bool ignorePermissions = false;               ///< place also what its author didn't want placed
   std::optional<ProtectionOptions> protection;  ///< encrypts the output
 };

@@ -59,9 +59,9 @@ Size PageGeometry::size() const {
   return quarterTurns % 2 == 0 ? lying : lying.turned();
 }
 
-Source::Source(const std::string& path, const std::string& password, Form form)
-    : file(path), reader(readerOf(path, password, form)) {
-  const Opening opening = openFile(*reader, path, password);
+Source::Source(const std::string& path, const Passwords& passwords, Form form)
+    : file(path), reader(readerOf(path, firstOf(passwords), form)) {
+  const Opening opening = openFile(*reader, path, passwords);
   if (opening.result != TESSEL::Result::success) throw SourceError(path, opening.result, opening.reason);
 }
 

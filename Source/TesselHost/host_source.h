@@ -26,8 +26,8 @@ class Source {
   /// What the library is to hand over: streams as they are, or within seven bits where it can.
   enum class Form { asStored, ascii };
 
-  /// Throws SourceError when the file can't be used, or the password doesn't open it.
-  explicit Source(const std::string& path, const std::string& password = {}, Form form = Form::asStored);
+  /// Throws SourceError when the file can't be used, or none of the passwords opens it.
+  explicit Source(const std::string& path, const Passwords& passwords = {}, Form form = Form::asStored);
 
   const std::string& path() const { return file; }
   int pageCount() const { return reader->getPageCount(); }

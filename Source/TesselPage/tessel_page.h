@@ -220,6 +220,10 @@ class CTesselPage : public std::map<std::pair<int, int>, std::string> {
   /// source's /ID begins with a zero byte (revisions 3 and 4), and an owner password when the user password
   /// has a "(" in it (revision 2). A host that asks whether a password fits asks here.
   int getPasswordState() const;
+  /// Beyond the interface as it stands: what getPasswordState() would tell after SetSourceLongPassword with
+  /// this password. The source isn't read anew, and stays open with the password at hand, so a host that has
+  /// several passwords can choose. Requires: init made a source.
+  int getPasswordState(const std::string& password) const;
   /// Beyond the interface as it stands, before init(): has a source of which only attached files are
   /// encrypted (/StmF and /StrF name the identity filter, or nothing) read as it is. It needs no password
   /// then, and getPasswordState() gives 6 where none fits; attached files stay encrypted in any case. Without

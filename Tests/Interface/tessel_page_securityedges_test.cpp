@@ -201,6 +201,38 @@ TEST(SecurityEdges, PasswordStateIsElsewhereTheOneThatIsTold) {
   EXPECT_EQ(openWith("<</Filter/Adobe.PubSec/V 2/R 3>>")->getPasswordState(), Result::passwordNotTried);
 }
 
+TEST(SecurityEdges, PasswordStateOfAnotherPasswordLeavesTheSourceOpen) {
+  constexpr StateCase rows[] = {{"use", "own", "use", 4, 4},
+                                {"use", "own", "own", 3, 3},
+                                {"use", "own", "x", 5, 5},
+                                {"use", "own", "", 5, 5}};
+  for (const Protection& protection : allProtections) {
+    const std::string bytes = protectedPdf(plainFile(), protection, {"use", "own"});
+    for (const char* atHand : {"use", "own"}) {
+      OpenPage open = PdfBuilder::openPageBytes(bytes, atHand);
+      const int before = open->getPasswordState();
+      for (const StateCase& row : rows) EXPECT_EQ(open->getPasswordState(row.given), row.known) << protection;
+      EXPECT_EQ(open->getPasswordState(), before) << protection;
+      EXPECT_TRUE(readsPlain(*open)) << protection;
+    }
+    EXPECT_EQ(PdfBuilder::openPageBytes(bytes, "x")->getPasswordState("own"), 3) << protection;
+  }
+}
+
+TEST(SecurityEdges, PasswordStateOfAnotherPasswordCountsAsManyBytesAsTheSourceTakes) {
+  const std::string user(127, 'u');
+  for (const Protection& protection : allProtections) {
+    const OpenPage open = PdfBuilder::openPageBytes(protectedPdf(plainFile(), protection, {user, "own"}));
+    EXPECT_EQ(open->getPasswordState(user + "more"), 4) << protection;
+    EXPECT_EQ(open->getPasswordState(user.substr(0, 32)), protection.revision < 5 ? 4 : 5) << protection;
+  }
+}
+
+TEST(SecurityEdges, PasswordStateOfAnotherPasswordKnowsWhereNoneIsTried) {
+  EXPECT_EQ(PdfBuilder::openPageBytes(plainFile())->getPasswordState("x"), Result::notProtected);
+  EXPECT_EQ(openWith("<</Filter/Adobe.PubSec/V 2/R 3>>")->getPasswordState("x"), Result::passwordNotTried);
+}
+
 struct FingerprintCase {
   std::size_t size;
   const char* digest;

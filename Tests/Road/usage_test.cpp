@@ -51,21 +51,23 @@ TEST_P(WrongUsage, IsStatus2AndOneLine) {
 
 INSTANTIATE_TEST_SUITE_P(
     Lines, WrongUsage,
-    testing::Values("", "fly in.pdf", "info", "info in.pdf --loud", "dump", "dump in.pdf --start 0",
-                    "dump in.pdf --start x", "dump in.pdf --pages 0", "nup in.pdf", "nup in.pdf -o out.pdf",
-                    "nup -o out.pdf --grid 1x1", "nup in.pdf -o out.pdf --grid 0x1",
-                    "nup in.pdf -o out.pdf --grid 2by2", "nup in.pdf -o out.pdf --grid 1x1 --paper A99",
-                    "nup in.pdf -o out.pdf --grid 1x1 --pages 3-x",
-                    "nup in.pdf -o out.pdf --grid 1x1 --margin -3",
-                    "nup in.pdf -o out.pdf --grid 1x1 --gutter 3px", "nup in.pdf -o in.pdf --grid 1x1",
-                    "nup in.pdf -o ./in.pdf --grid 1x1", "info in.pdf --password x --password-file y",
-                    "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-512 --user-password x",
-                    "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256",
-                    "nup in.pdf -o out.pdf --grid 1x1 --user-password x",
-                    "nup in.pdf -o out.pdf --grid 1x1 --allow print",
-                    "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256 --user-password x --allow fly",
-                    "nup in.pdf -o out.pdf --grid 1x1 --encrypt rc4-40 --user-password x "
-                    "--cleartext-metadata"));
+    testing::Values(
+        "", "fly in.pdf", "info", "info in.pdf --loud", "dump", "dump in.pdf --start 0",
+        "dump in.pdf --start x", "dump in.pdf --pages 0", "nup in.pdf", "nup in.pdf -o out.pdf",
+        "nup -o out.pdf --grid 1x1", "nup in.pdf -o out.pdf --grid 0x1", "nup in.pdf -o out.pdf --grid 2by2",
+        "nup in.pdf -o out.pdf --grid 1x1 --paper A99", "nup in.pdf -o out.pdf --grid 1x1 --pages 3-x",
+        "nup in.pdf -o out.pdf --grid 1x1 --margin -3", "nup in.pdf -o out.pdf --grid 1x1 --gutter 3px",
+        "nup in.pdf -o in.pdf --grid 1x1", "nup in.pdf -o ./in.pdf --grid 1x1",
+        "info in.pdf --password x --password",
+        "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-512 --user-password x",
+        "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256",
+        "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256 --user-password x --user-password-file y",
+        "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256 --user-password x --user-password y",
+        "nup in.pdf -o out.pdf --grid 1x1 --user-password x",
+        "nup in.pdf -o out.pdf --grid 1x1 --allow print",
+        "nup in.pdf -o out.pdf --grid 1x1 --encrypt aes-256 --user-password x --allow fly",
+        "nup in.pdf -o out.pdf --grid 1x1 --encrypt rc4-40 --user-password x "
+        "--cleartext-metadata"));
 
 TEST_F(Usage, AMissingSourceIsStatus1AndOneLine) {
   for (const std::vector<std::string>& arguments : {std::vector<std::string>{"info", "no.pdf"},

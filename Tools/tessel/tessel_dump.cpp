@@ -15,11 +15,11 @@ using namespace TesselHost;
 
 struct DumpCommand {
   DumpOptions options;
-  PasswordOption password;
+  InputPasswords passwords;
   bool quiet = false;
 
   int run() {
-    options.password = password.value();
+    options.passwords = passwords.value();
     OutputFile out("-");
     Terminal terminal(quiet, "dumping");
     const Opening opening = dump(options, out, terminal);
@@ -46,7 +46,7 @@ void addDump(CLI::App& program, Job& job) {
             "First object number of the output (default: 1)", "an object number")
       ->type_name("K");
   command->add_flag("--summary", options.summary, "SHA-256 digests in place of the bytes");
-  addPassword(*command, dumpCommand->password);
+  dumpCommand->passwords.addTo(*command);
   addQuiet(*command, dumpCommand->quiet);
   command->footer(footer);
   command->callback([&job, dumpCommand] { job = [dumpCommand] { return dumpCommand->run(); }; });

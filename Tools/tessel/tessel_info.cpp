@@ -17,14 +17,14 @@ using namespace TesselHost;
 
 struct InfoCommand {
   std::vector<std::string> files;
-  PasswordOption password;
+  InputPasswords passwords;
   bool json = false;
   int profile = 0;     ///< of which output intent to write the profile; 0: none
   std::string output;  ///< where to
 
   /// A file that can't be used is told of, and the others are described all the same.
   int run() const {
-    const std::string opening = password.value();
+    const Passwords opening = passwords.value();
     if (profile != 0) {
       if (files.size() != 1) throw UsageError("--profile takes one file");
       extractProfile(files.front(), opening, profile, output);
@@ -38,7 +38,7 @@ struct InfoCommand {
     return status;
   }
 
-  bool describeOne(const std::string& file, const std::string& opening, OutputFile& out) const {
+  bool describeOne(const std::string& file, const Passwords& opening, OutputFile& out) const {
     try {
       json ? describeAsJson(file, opening, out) : describe(file, opening, out);
       return true;
@@ -69,7 +69,7 @@ void addInfo(CLI::App& program, Job& job) {
                             ->type_name("FILE.icc");
   profile->needs(output);
   output->needs(profile);
-  addPassword(*command, info->password);
+  info->passwords.addTo(*command);
   command->callback([&job, info] { job = [info] { return info->run(); }; });
 }
 

@@ -21,12 +21,12 @@ std::string counted(int count, const char* thing) {
 
 struct NupCommand {
   NupOptions options;
-  PasswordOption password;
+  InputPasswords passwords;
   EncryptionOptions encryption;
   bool quiet = false;
 
   int run() {
-    options.password = password.value();
+    options.passwords = passwords.value();
     options.protection = encryption.value();
     Terminal terminal(quiet, "placing");
     const NupResult result = nup(options, terminal);
@@ -87,7 +87,7 @@ void addNup(CLI::App& program, Job& job) {
                     "A smaller file, for readers of PDF 1.5 and later");
   command->add_flag("--ascii", options.ascii,
                     "Stay within seven-bit text; goes neither with --object-streams nor with --encrypt");
-  addPassword(*command, nupCommand->password);
+  nupCommand->passwords.addTo(*command);
   command->add_flag("--ignore-permissions", options.ignorePermissions,
                     "Place also pages whose permissions forbid it");
   nupCommand->encryption.addTo(*command);

@@ -29,34 +29,71 @@ std::string firstLineOf(std::istream& in, const std::string& name) {
   return line;
 }
 
+std::string firstLineOf(const std::string& file) {
+  if (file == "-") return firstLineOf(std::cin, "standard input");
+  std::ifstream in(file, std::ios::binary);
+  if (!in) throw HostError(fmt::format("{}: the password can't be read: {}", file, std::strerror(errno)));
+  return firstLineOf(in, file);
+}
+
+std::string environmentOf(const std::string& variable) {
+  const char* text = std::getenv(variable.c_str());
+  return text != nullptr ? text : "";
+}
+
+constexpr const char* inFileHelp =
+    "The same as the first line of a file; - for standard input, a line for each such option";
+constexpr const char* directType = "PASSWORD";
+constexpr const char* inFileType = "FILE";
+
 }  // namespace
 
 std::array<CLI::Option*, 2> PasswordOption::addTo(CLI::App& command, const std::string& name,
                                                   const std::string& variable, const std::string& help) {
   fallback = variable;
   direct = command.add_option("--" + name, text, help + "; without it $" + variable + " counts");
-  inFile = command.add_option(
-      "--" + name + "-file", file,
-      "The same as the first line of a file; - for standard input, a line for each such option");
-  direct->type_name("PASSWORD");
-  inFile->type_name("FILE")->excludes(direct);
+  inFile = command.add_option("--" + name + "-file", file, inFileHelp);
+  direct->type_name(directType);
+  inFile->type_name(inFileType)->excludes(direct);
   return {direct, inFile};
 }
 
 std::string PasswordOption::value() const {
   if (direct->count() > 0) return text;
-  if (inFile->count() > 0) {
-    if (file == "-") return firstLineOf(std::cin, "standard input");
-    std::ifstream in(file, std::ios::binary);
-    if (!in) throw HostError(fmt::format("{}: the password can't be read: {}", file, std::strerror(errno)));
-    return firstLineOf(in, file);
-  }
-  const char* variable = std::getenv(fallback.c_str());
-  return variable != nullptr ? variable : "";
+  return inFile->count() > 0 ? firstLineOf(file) : environmentOf(fallback);
 }
 
-void addPassword(CLI::App& command, PasswordOption& password) {
-  password.addTo(command, "password", "TESSEL_PASSWORD", "Opens the inputs that need a password");
+namespace {
+
+constexpr const char* inputVariable = "TESSEL_PASSWORD";
+
+}  // namespace
+
+void InputPasswords::addTo(CLI::App& command) {
+  const auto add = [this, &command](const char* name, const char* type, bool isFile,
+                                    const std::string& help) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [this, isFile](const std::string& text) {
+              given.push_back({text, isFile});
+            },
+            help)
+        ->type_name(type)
+        ->trigger_on_parse();  // each time, so that the order of both options is known
+  };
+  add("--password", directType, false,
+      fmt::format("Opens the inputs that need a password; give all that they have, each is tried on each "
+                  "input; without any ${} counts",
+                  inputVariable));
+  add("--password-file", inFileType, true, inFileHelp);
+}
+
+Passwords InputPasswords::value() const {
+  if (given.empty()) return {environmentOf(inputVariable)};
+  Passwords passwords;
+  for (const Given& one : given) passwords.push_back(one.isFile ? firstLineOf(one.text) : one.text);
+  return passwords;
 }
 
 void EncryptionOptions::addTo(CLI::App& command) {

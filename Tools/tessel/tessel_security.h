@@ -4,12 +4,14 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "TesselHost/host_access.h"
 #include "TesselHost/host_protection.h"
 
 namespace tessel_tool {
 
-/// A password that may be given on the command line, in a file, or in an environment variable, where the
+/// One password that may be given on the command line, in a file, or in an environment variable, where the
 /// process list doesn't show it.
 class PasswordOption {
  public:
@@ -29,8 +31,22 @@ class PasswordOption {
   CLI::Option* inFile = nullptr;
 };
 
-/// --password, alike for every command: opens the inputs that need one.
-void addPassword(CLI::App& command, PasswordOption& password);
+/// --password and --password-file, alike for every command: open the inputs that need one. Each may be given
+/// more than once, since the inputs may differ in theirs.
+class InputPasswords {
+ public:
+  /// Requires: stays where it is while the command line is parsed.
+  void addTo(CLI::App& command);
+  /// In the order of the command line; without any the environment's. Throws as PasswordOption::value.
+  TesselHost::Passwords value() const;
+
+ private:
+  struct Given {
+    std::string text;
+    bool isFile;  ///< the text names one
+  };
+  std::vector<Given> given;
+};
 
 /// --encrypt and what belongs to it, alike for every command that writes a PDF.
 class EncryptionOptions {

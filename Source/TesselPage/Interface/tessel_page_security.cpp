@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "KelpCommon/kelp_md5.h"
@@ -43,12 +44,44 @@ int kindOf(int length, int revision) {
   return Method::rc4;
 }
 
+/// A password as the host gave it.
+struct GivenPassword {
+  const std::string& text;
+  bool maybeLong;  ///< SetSourceLongPassword's
+};
+
 /// The tests of a password that lead nowhere, as a result; 0 when the password can be tried.
 int refusal(const CEncrypt& encrypt, bool tooLong) {
   if (encrypt.handler == CEncrypt::otherHandler) return Result::passwordNotTried;
   if (encrypt.handler != CEncrypt::standardHandler) return Result::notProtected;
   if (!encrypt.firstAccess && !encrypt.secondAccess) return Result::notProtected;
   return tooLong ? Result::passwordNotTried : Result::success;
+}
+
+/// What SetSourcePassword() tells. Leaves the password, and what was found by it, in the record.
+int toldState(CEncrypt& encrypt, const GivenPassword& given) {
+  const bool tooLong = given.text.size() > CEncrypt::passwordBytes && !given.maybeLong;
+  if (const int refused = refusal(encrypt, tooLong); refused != Result::success) return refused;
+  const bool counts = given.maybeLong && encrypt.R >= firstLongRevision;
+  encrypt.password = given.text.substr(0, counts ? longestPassword : CEncrypt::passwordBytes);
+  pcrypt::EncryptInfo info;
+  saveEncryptInfo(encrypt, info);
+  std::string tried = encrypt.passwordText();
+  const int passwordState = PDFDecryptionManager().calPassWordState(info, tried);
+  resaveEncryptInfo(info, encrypt);
+  return passwordState;
+}
+
+/// What getPasswordState() tells; otherwise as toldState.
+int knownState(CEncrypt& encrypt, const GivenPassword& given) {
+  const int told = toldState(encrypt, given);
+  if (told != PDFDecryptionManager::neither && told != PDFDecryptionManager::emptyNotOwner) return told;
+  pcrypt::EncryptInfo info;
+  saveEncryptInfo(encrypt, info);
+  std::string tried = encrypt.passwordText();
+  const int known = PDFDecryptionManager().stateByKeys(info, tried);
+  const bool needsNone = known == PDFDecryptionManager::neither && encrypt.leavesContents();
+  return needsNone ? PDFDecryptionManager::emptyNotOwner : known;
 }
 
 PASSWORD_TYPE typeOf(int passwordState) {
@@ -156,30 +189,19 @@ int CTesselPage::reopen(const std::string& password) {
 }
 
 int CTesselPage::SetSourcePassword() const {
-  CEncrypt& encrypt = state->sourFile->fileInfo.encrypt;
-  const std::string& password = state->password;
-  const bool tooLong = password.size() > CEncrypt::passwordBytes && !state->longPassword;
-  if (const int refused = refusal(encrypt, tooLong); refused != Result::success) return refused;
-  const bool counts = state->longPassword && encrypt.R >= firstLongRevision;
-  encrypt.password = password.substr(0, counts ? longestPassword : CEncrypt::passwordBytes);
-  pcrypt::EncryptInfo info;
-  saveEncryptInfo(encrypt, info);
-  std::string tried = encrypt.passwordText();
-  const int passwordState = PDFDecryptionManager().calPassWordState(info, tried);
-  resaveEncryptInfo(info, encrypt);
-  return passwordState;
+  return toldState(state->sourFile->fileInfo.encrypt, {state->password, state->longPassword});
 }
 
 int CTesselPage::getPasswordState() const {
-  const int told = SetSourcePassword();
-  if (told != PDFDecryptionManager::neither && told != PDFDecryptionManager::emptyNotOwner) return told;
-  const CEncrypt& encrypt = state->sourFile->fileInfo.encrypt;
-  pcrypt::EncryptInfo info;
-  saveEncryptInfo(encrypt, info);
-  std::string tried = encrypt.passwordText();
-  const int known = PDFDecryptionManager().stateByKeys(info, tried);
-  const bool needsNone = known == PDFDecryptionManager::neither && encrypt.leavesContents();
-  return needsNone ? PDFDecryptionManager::emptyNotOwner : known;
+  return knownState(state->sourFile->fileInfo.encrypt, {state->password, state->longPassword});
+}
+
+int CTesselPage::getPasswordState(const std::string& password) const {
+  CEncrypt& encrypt = state->sourFile->fileInfo.encrypt;
+  CEncrypt trial = encrypt;
+  const int known = knownState(trial, {password, true});
+  encrypt.knownHashes = std::move(trial.knownHashes);
+  return known;
 }
 
 void CTesselPage::heedIdentityFilters() { state->heedsIdentityFilters = true; }
