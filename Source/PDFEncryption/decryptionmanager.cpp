@@ -81,6 +81,7 @@ int decryptAES(unsigned char* data, int length, const std::string& key, Rijndael
 }  // namespace
 
 int PDFDecryptionManager::calPassWordState(EncryptInfo& info, std::string& password) const {
+  hashAllAhead(info, password);
   if (tryEmpty(info)) {
     setAccess(info, true, false);
     if (!isOwnerPWD(info, password)) return emptyNotOwner;
@@ -106,6 +107,7 @@ int PDFDecryptionManager::stateByKeys(EncryptInfo& info, std::string& password) 
 
 bool PDFDecryptionManager::getFileKey(EncryptInfo& info, const std::string& password, bool& passwordNeeded,
                                       bool& emptyPassword) const {
+  hashAllAhead(info, password);
   if (tryEmpty(info)) {
     emptyPassword = true;
     return true;
@@ -146,8 +148,9 @@ void PDFDecryptionManager::createKey(EncryptInfo& info, unsigned char* password,
   std::string key;
   if (sealedByAES256(info)) {
     // The validation salt of /U stands where the key salt should, for both passwords.
-    const std::string whole(text, strnlen(text, passwordBuffer));
-    key = keyAES256(info, whole, part(info.U, validationSalt, saltSize), hashOnly);
+    Salted input = keyInput(info, std::string(text, strnlen(text, passwordBuffer)), hashOnly);
+    input.salt = part(info.U, validationSalt, saltSize);
+    key = keyAES256(info, input, hashOnly);
   } else if (hashOnly) {
     key = md5(std::string(text, paddingSize), keyBytes(info.keyLength));
   } else {
@@ -163,8 +166,7 @@ void PDFDecryptionManager::createKey(EncryptInfo& info, unsigned char* password,
 
 void PDFDecryptionManager::createKeyAES256(EncryptInfo& info, std::string& password, bool keepInPassword,
                                            bool owner) const {
-  const std::string salt = part(owner ? info.O : info.U, keySalt, saltSize);
-  keep(info, password, keepInPassword, keyAES256(info, getUTF8Str(password), salt, owner));
+  keep(info, password, keepInPassword, keyAES256(info, keyInput(info, password, owner), owner));
 }
 
 bool PDFDecryptionManager::isUserPWD(EncryptInfo& info, const std::string& password) const {
@@ -191,16 +193,14 @@ bool PDFDecryptionManager::isUserPWDR3(EncryptInfo& info, std::string& password,
 }
 
 bool PDFDecryptionManager::isUserPWDR5(EncryptInfo& info, const std::string& password) const {
-  const std::string hash =
-      saltedHash(info, revision5, getUTF8Str(password), part(info.U, validationSalt, saltSize));
+  const std::string hash = saltedHash(info, revision5, userTest(info, password));
   if (!startsEqual(hash, info.U, hashSize)) return false;
   info.userPassword = password;
   return true;
 }
 
 bool PDFDecryptionManager::isUserPWDR6(EncryptInfo& info, const std::string& password) const {
-  const std::string hash =
-      saltedHash(info, revision6, getUTF8Str(password), part(info.U, validationSalt, saltSize));
+  const std::string hash = saltedHash(info, revision6, userTest(info, password));
   if (startsEqual(hash, info.U, hashSize)) {
     info.userPassword = password;
     return true;
@@ -237,6 +237,13 @@ void PDFDecryptionManager::DecryptData(const EncryptInfo& info, int objNo, int g
   key.resize(wide ? aes256KeyBytes : aes128KeyBytes, '\0');
   const int left = decryptAES(data, *length, key, wide ? Rijndael::Key32Bytes : Rijndael::Key16Bytes);
   if (left >= 0) *length = left;
+}
+
+/// What the search for the key, and the tests that follow it, ask for.
+void PDFDecryptionManager::hashAllAhead(const EncryptInfo& info, const std::string& password) const {
+  if (info.R != revision6 || !sealedByAES256(info)) return;
+  hashAhead(info, {keyInput(info, {}, false), userTest(info, {}), keyInput(info, password, false),
+                   userTest(info, password), ownerTest(info, password)});
 }
 
 bool PDFDecryptionManager::tryEmpty(EncryptInfo& info) const {
@@ -308,9 +315,7 @@ bool PDFDecryptionManager::isOwnerPWDR3(EncryptInfo& info, const std::string& pa
 }
 
 bool PDFDecryptionManager::isOwnerPWDOf(EncryptInfo& info, const std::string& password, int revision) const {
-  const std::string salt = part(info.O, validationSalt, saltSize);
-  if (!startsEqual(saltedHash(info, revision, getUTF8Str(password), salt, info.U), info.O, hashSize))
-    return false;
+  if (!startsEqual(saltedHash(info, revision, ownerTest(info, password)), info.O, hashSize)) return false;
   info.ownerPassword = password;
   std::string owner = password;
   createKey(info, owner, false, true);
@@ -328,11 +333,26 @@ std::string PDFDecryptionManager::asTried(const EncryptInfo& info, const std::st
   return info.R < revision5 ? padded(password) : password;
 }
 
-/// What /OE or /UE holds under the hash of the password with the key salt.
-std::string PDFDecryptionManager::keyAES256(const EncryptInfo& info, const std::string& password,
-                                            const std::string& salt, bool owner) const {
-  const std::string u = owner ? part(info.U, 0, entrySize) : std::string();
-  return chainDecrypt256(owner ? info.OE : info.UE, saltedHash(info, info.R, password, salt, u));
+PDFDecryptionManager::Salted PDFDecryptionManager::userTest(const EncryptInfo& info,
+                                                            const std::string& password) {
+  return {getUTF8Str(password), part(info.U, validationSalt, saltSize)};
+}
+
+PDFDecryptionManager::Salted PDFDecryptionManager::ownerTest(const EncryptInfo& info,
+                                                             const std::string& password) {
+  return {getUTF8Str(password), part(info.O, validationSalt, saltSize), info.U};
+}
+
+PDFDecryptionManager::Salted PDFDecryptionManager::keyInput(const EncryptInfo& info,
+                                                            const std::string& password, bool owner) {
+  Salted input = {getUTF8Str(password), part(owner ? info.O : info.U, keySalt, saltSize)};
+  if (owner) input.u = part(info.U, 0, entrySize);
+  return input;
+}
+
+/// What /OE or /UE holds under the hash.
+std::string PDFDecryptionManager::keyAES256(const EncryptInfo& info, const Salted& input, bool owner) const {
+  return chainDecrypt256(owner ? info.OE : info.UE, saltedHash(info, info.R, input));
 }
 
 }  // namespace pcrypt

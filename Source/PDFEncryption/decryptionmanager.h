@@ -98,8 +98,11 @@ class PDFDecryptionManager : public PDFEncryptionBase {
   bool isOwnerPWDOf(EncryptInfo& info, const std::string& password, int revision) const;
   std::string padded(const std::string& password) const;
   std::string asTried(const EncryptInfo& info, const std::string& password) const;
-  std::string keyAES256(const EncryptInfo& info, const std::string& password, const std::string& salt,
-                        bool owner) const;
+  static Salted userTest(const EncryptInfo& info, const std::string& password);
+  static Salted ownerTest(const EncryptInfo& info, const std::string& password);
+  static Salted keyInput(const EncryptInfo& info, const std::string& password, bool owner);
+  std::string keyAES256(const EncryptInfo& info, const Salted& input, bool owner) const;
+  void hashAllAhead(const EncryptInfo& info, const std::string& password) const;
 };
 
 }  // namespace pcrypt

@@ -1,9 +1,10 @@
 #include "PDFEncryption/encryptionbase.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
-#include "PDFEncryption/bytes.h"
-#include "PDFEncryption/hashes.h"
+#include "PDFEncryption/hardenedhash.h"
 #include "PDFEncryption/securitysteps.h"
 
 namespace pcrypt {
@@ -20,49 +21,11 @@ constexpr int generationBytes = 2;
 
 int padStart(int length) { return std::clamp(length, 0, paddingSize); }
 
-// Algorithm 2.B.
-constexpr int copies = 64;
-constexpr int lastSureRound = 63;
-constexpr int roundSlack = 31;
-constexpr std::size_t selectorSize = 16;
+std::string firstHash(const auto& input) { return sha256(input.password + input.salt + input.u); }
 
-using Digest512 = unsigned char[64];
-
-std::string sha384(const std::string& data) {
-  SHA384_CTX context;
-  Digest512 digest;
-  SHA384Init(&context);
-  SHA384Update(&context, bytes::of(data.data()), static_cast<int>(data.size()));
-  SHA384Final(&context, digest);
-  return std::string(digest, digest + 48);
-}
-
-std::string sha512(const std::string& data) {
-  SHA512_CTX context;
-  Digest512 digest;
-  SHA512Init(&context);
-  SHA512Update(&context, bytes::of(data.data()), static_cast<int>(data.size()));
-  SHA512Final(&context, digest);
-  return std::string(digest, digest + 64);
-}
-
-std::string repeated(const std::string& text, int times) {
-  std::string result;
-  result.reserve(text.size() * static_cast<std::size_t>(times));
-  for (int i = 0; i < times; ++i) result += text;
-  return result;
-}
-
-/// The sum of bytes modulo 3 is that of the number which they make, as 256 is 1 modulo 3.
-int selector(const std::string& e) {
-  int sum = 0;
-  for (std::size_t i = 0; i < std::min(selectorSize, e.size()); ++i) sum += static_cast<unsigned char>(e[i]);
-  return sum % 3;
-}
-
-std::string selectedHash(const std::string& e) {
-  constexpr std::string (*hashes[3])(const std::string&) = {sha256, sha384, sha512};
-  return hashes[selector(e)](e);
+/// What a hash of revision 6 is known by.
+std::string nameOf(const HardenedHash& wanted) {
+  return std::to_string(wanted.password.size()) + ' ' + wanted.password + wanted.hash + wanted.u;
 }
 
 }  // namespace
@@ -87,18 +50,9 @@ void PDFEncryptionBase::padInteger(std::string& text, int value, int count) cons
 
 void PDFEncryptionBase::caculateHashR6(std::string& result, const std::string& password,
                                        const std::string& hash, const std::string& u, bool isUser) const {
-  const std::string tail = isUser ? std::string() : u;
-  std::string k = hash.substr(0, hashSize);
-  k.resize(hashSize, '\0');
-  for (int round = 0;; ++round) {
-    std::string block = password;
-    block.append(k).append(tail);
-    const std::string e = chainEncrypt128(repeated(block, copies), k);
-    if (e.empty()) break;
-    k = selectedHash(e);
-    if (round >= lastSureRound && round - roundSlack >= static_cast<unsigned char>(e.back())) break;
-  }
-  result = k.substr(0, hashSize);
+  HardenedHash wanted = {password, hash, isUser ? std::string() : u};
+  harden({&wanted, 1});
+  result = wanted.hash;
 }
 
 void PDFEncryptionBase::calculateKey(int objNo, int genNo, const EncryptInfo& info, std::string& key) const {
@@ -130,16 +84,27 @@ std::string PDFEncryptionBase::fileKeyOf(const EncryptInfo& info, const std::str
   return stretched(digest, info.R, info.keyLength);
 }
 
-std::string PDFEncryptionBase::saltedHash(const EncryptInfo& info, int revision, const std::string& password,
-                                          const std::string& salt, const std::string& u) const {
-  std::string hash = sha256(password + salt + u);
+std::string PDFEncryptionBase::saltedHash(const EncryptInfo& info, int revision, const Salted& input) const {
+  std::string hash = firstHash(input);
   if (revision != revision6) return hash;
+  hashAhead(info, {input});
+  return info.knownHashes[nameOf({input.password, std::move(hash), input.u})];
+}
+
+void PDFEncryptionBase::hashAhead(const EncryptInfo& info, std::initializer_list<Salted> inputs) const {
   constexpr std::size_t mostHashes = 16;
   if (info.knownHashes.size() > mostHashes) info.knownHashes.clear();
-  const std::string source = std::to_string(password.size()) + ' ' + password + hash + u;
-  const auto [known, isNew] = info.knownHashes.try_emplace(source);
-  if (isNew) caculateHashR6(known->second, password, hash, u, u.empty());
-  return known->second;
+  std::vector<HardenedHash> wanted;
+  std::vector<std::string*> places;
+  for (const Salted& input : inputs) {
+    HardenedHash hash = {input.password, firstHash(input), input.u};
+    const auto [known, isNew] = info.knownHashes.try_emplace(nameOf(hash));
+    if (!isNew) continue;
+    wanted.push_back(std::move(hash));
+    places.push_back(&known->second);
+  }
+  harden(wanted);
+  for (std::size_t i = 0; i < wanted.size(); ++i) *places[i] = std::move(wanted[i].hash);
 }
 
 }  // namespace pcrypt

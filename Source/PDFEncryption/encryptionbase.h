@@ -1,5 +1,6 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 
 #include "PDFEncryption/encryptinfo.h"
@@ -53,10 +54,20 @@ class PDFEncryptionBase {
   /// The file key of revisions up to 4 (Algorithm 2).
   std::string fileKeyOf(const EncryptInfo& info, const std::string& password) const;
 
-  /// Hash of a password with a salt of /U, or of /O when `u` is the whole of /U, for revisions 5 and 6.
+  /// A password with a salt of /U, or with one of /O and the whole of /U.
+  struct Salted {
+    std::string password;
+    std::string salt;
+    std::string u = {};
+  };
+
+  /// The hash of revision 5 or 6.
   /// @param info  remembers the hashes of revision 6
-  std::string saltedHash(const EncryptInfo& info, int revision, const std::string& password,
-                         const std::string& salt, const std::string& u = {}) const;
+  std::string saltedHash(const EncryptInfo& info, int revision, const Salted& input) const;
+
+  /// Has `info` remember hashes of revision 6 that `saltedHash` is about to be asked for: together they take
+  /// less time than one after the other.
+  void hashAhead(const EncryptInfo& info, std::initializer_list<Salted> inputs) const;
 };
 
 }  // namespace pcrypt

@@ -39,11 +39,7 @@ void PDFEncryptionManager::calculateOKey(const EncryptOption& option, EncryptInf
     info.O = ownerEntry(option, info);
     return;
   }
-  const std::string& password = ownerOf(option);
-  const std::string salts = fillers(2 * saltSize);
-  info.O = saltedHash(info, info.R, password, part(salts, 0, saltSize), info.U) + salts;
-  const std::string key = saltedHash(info, info.R, password, part(salts, saltSize, saltSize), info.U);
-  info.OE = chainEncrypt256(info.fileKey, key);
+  sealKey(info, ownerOf(option), info.U, info.O, info.OE);
 }
 
 void PDFEncryptionManager::calculateUKey(const EncryptOption& option, EncryptInfo& info) const {
@@ -53,10 +49,7 @@ void PDFEncryptionManager::calculateUKey(const EncryptOption& option, EncryptInf
     const std::string arbitrary = part(padding(), 0, md5Size);
     info.U = rc4Passes(identifierHash(info.fileIdentifier), info.fileKey, 0, lastPass) + arbitrary;
   } else {
-    const std::string salts = fillers(2 * saltSize);
-    info.U = saltedHash(info, info.R, option.userPassword, part(salts, 0, saltSize)) + salts;
-    const std::string key = saltedHash(info, info.R, option.userPassword, part(salts, saltSize, saltSize));
-    info.UE = chainEncrypt256(info.fileKey, key);
+    sealKey(info, option.userPassword, {}, info.U, info.UE);
   }
 }
 
@@ -69,6 +62,18 @@ void PDFEncryptionManager::calculatePerms(const EncryptOption& option, EncryptIn
   block += "adb";
   block += fillers(permsRest);
   info.Perms = blockEncrypt256(block, info.fileKey);
+}
+
+/// Algorithms 8 and 9: the entry that a password is tested by, and the file key under the password.
+/// @param u  /U for the owner's, empty for the user's
+void PDFEncryptionManager::sealKey(const EncryptInfo& info, const std::string& password, const std::string& u,
+                                   std::string& entry, std::string& sealedKey) const {
+  const std::string salts = fillers(2 * saltSize);
+  const Salted test = {password, part(salts, 0, saltSize), u};
+  const Salted key = {password, part(salts, saltSize, saltSize), u};
+  if (info.R == revision6) hashAhead(info, {test, key});
+  entry = saltedHash(info, info.R, test) + salts;
+  sealedKey = chainEncrypt256(info.fileKey, saltedHash(info, info.R, key));
 }
 
 /// Algorithm 3. Passwords count with all their bytes; the entry keeps 32.

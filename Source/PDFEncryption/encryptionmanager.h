@@ -58,6 +58,8 @@ class PDFEncryptionManager : public PDFEncryptionBase {
 
  private:
   std::string ownerEntry(const EncryptOption& option, const EncryptInfo& info) const;
+  void sealKey(const EncryptInfo& info, const std::string& password, const std::string& u, std::string& entry,
+               std::string& sealedKey) const;
 };
 
 }  // namespace pcrypt

@@ -4,35 +4,30 @@
 
 #include <cpuid.h>
 
+// What the compiler's run-time has asked the processor at the start is not asked again: under a hypervisor
+// each question takes some ten microseconds.
+
 namespace pcrypt::processor {
 namespace {
 
-// Bits of the CPUID leaves 1 (ECX) and 7 (EBX), as the processor's manual numbers them.
-constexpr unsigned int ssse3Bit = 1U << 9;
-constexpr unsigned int sse41Bit = 1U << 19;
-constexpr unsigned int aesBit = 1U << 25;
-constexpr unsigned int shaBit = 1U << 29;
-constexpr unsigned int featureLeaf = 1;
-constexpr unsigned int extendedLeaf = 7;
-
-struct Registers {
+/// The run-time doesn't tell of SHA. Leaf 7, EBX, as the processor's manual numbers the bits.
+bool hasShaBit() {
+  constexpr unsigned int extendedLeaf = 7;
+  constexpr unsigned int shaBit = 1U << 29;
   unsigned int eax = 0, ebx = 0, ecx = 0, edx = 0;
-};
-
-Registers leaf(unsigned int number) {
-  Registers r;
-  if (__get_cpuid_count(number, 0, &r.eax, &r.ebx, &r.ecx, &r.edx) == 0) return {};
-  return r;
+  return __get_cpuid_count(extendedLeaf, 0, &eax, &ebx, &ecx, &edx) != 0 && (ebx & shaBit) != 0;
 }
-
-bool has(unsigned int word, unsigned int bits) { return (word & bits) == bits; }
 
 }  // namespace
 
-bool hasAes() { return has(leaf(featureLeaf).ecx, aesBit); }
+bool hasAes() { return __builtin_cpu_supports("aes") != 0; }
 
 bool hasSha() {
-  return has(leaf(featureLeaf).ecx, ssse3Bit | sse41Bit) && has(leaf(extendedLeaf).ebx, shaBit);
+  return __builtin_cpu_supports("ssse3") != 0 && __builtin_cpu_supports("sse4.1") != 0 && hasShaBit();
+}
+
+bool hasVectorRotation() {
+  return __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512vl") != 0;
 }
 
 bool hasWideVectors() { return __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi2") != 0; }
@@ -46,6 +41,7 @@ namespace pcrypt::processor {
 bool hasAes() { return false; }
 bool hasSha() { return false; }
 bool hasWideVectors() { return false; }
+bool hasVectorRotation() { return false; }
 
 }  // namespace pcrypt::processor
 

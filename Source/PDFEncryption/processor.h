@@ -12,4 +12,7 @@ bool hasSha();
 /// rotations of its second set of bit instructions (BMI2).
 bool hasWideVectors();
 
+/// Whether these vectors have rotations and functions of three operands (AVX-512 F and VL) too.
+bool hasVectorRotation();
+
 }  // namespace pcrypt::processor

@@ -174,6 +174,8 @@ int Rijndael::pdfDecryptEnd(const unsigned char* input, int inputOctets, unsigne
   return unpad(last, output);
 }
 
+aes::ExpandedKey Rijndael::expandedKey() const { return {expandedKey_, rounds_}; }
+
 int Rijndael::refusal(int direction, int whenWrong) const {
   if (state_ != valid) return notInitialized;
   return direction_ == direction ? success : whenWrong;
@@ -200,16 +202,16 @@ void Rijndael::keyEncToDec() {
 }
 
 void Rijndael::encrypt(const Byte* input, Byte* output, int blocks, Byte* vector) const {
-  const aes::ExpandedKey key = {expandedKey_, rounds_};
   if (mode_ == CBC) {
-    path_->chainEncrypt(key, vector, input, output, count(blocks));
+    aes::Chain chain = {expandedKey(), vector, input, output, count(blocks)};
+    path_->chainEncrypt({&chain, 1});
   } else {
-    path_->encrypt(key, input, output, count(blocks));
+    path_->encrypt(expandedKey(), input, output, count(blocks));
   }
 }
 
 void Rijndael::decrypt(const Byte* input, Byte* output, int blocks, Byte* vector) const {
-  const aes::ExpandedKey key = {expandedKey_, rounds_};
+  const aes::ExpandedKey key = expandedKey();
   if (mode_ == CBC) {
     path_->chainDecrypt(key, vector, input, output, count(blocks));
   } else {
@@ -218,7 +220,7 @@ void Rijndael::decrypt(const Byte* input, Byte* output, int blocks, Byte* vector
 }
 
 void Rijndael::feedBack(Byte* data, int blocks, bool encrypting) const {
-  const aes::ExpandedKey key = {expandedKey_, rounds_};
+  const aes::ExpandedKey key = expandedKey();
   Byte reg[blockSize], mask[blockSize];
   std::copy_n(initVector_, blockSize, reg);
   for (int bit = 0; bit < blockBits * blocks; ++bit) {

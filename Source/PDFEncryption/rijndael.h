@@ -4,7 +4,8 @@ namespace pcrypt {
 
 namespace aes {
 class BlockPath;
-}
+struct ExpandedKey;
+}  // namespace aes
 
 /// AES (FIPS 197) with the block modes and the padding that PDF needs. Blocks have 128 bits.
 ///
@@ -82,6 +83,10 @@ class Rijndael {
   ///
   /// @return bytes of plain data, 0 to 15; `corruptedData` for bad padding or a length other than 16
   int pdfDecryptEnd(const unsigned char* input, int inputOctets, unsigned char* output);
+
+  /// The key of a good `init`, as the paths of blocks take it. Lives as long as the object, up to the next
+  /// `init`.
+  aes::ExpandedKey expandedKey() const;
 
  private:
   using Byte = unsigned char;

@@ -102,14 +102,15 @@ class TablePath final : public BlockPath {
     }
   }
 
-  void chainEncrypt(const ExpandedKey& key, unsigned char* vector, const unsigned char* input,
-                    unsigned char* output, std::size_t blocks) const override {
-    Block before = load(vector);
-    for (std::size_t i = 0; i < blocks * blockSize; i += blockSize) {
-      before = ciphered<Forwards>(key, before ^ load(input + i));
-      store(before, output + i);
+  void chainEncrypt(std::span<Chain> chains) const override {
+    for (const Chain& chain : chains) {
+      Block before = load(chain.vector);
+      for (std::size_t i = 0; i < chain.blocks * blockSize; i += blockSize) {
+        before = ciphered<Forwards>(chain.key, before ^ load(chain.input + i));
+        store(before, chain.output + i);
+      }
+      store(before, chain.vector);
     }
-    store(before, vector);
   }
 
   void chainDecrypt(const ExpandedKey& key, unsigned char* vector, const unsigned char* input,

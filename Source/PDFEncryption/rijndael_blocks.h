@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 /// The ways to work AES blocks under an expanded key. All give the same result.
 namespace pcrypt::aes {
@@ -12,6 +13,15 @@ inline constexpr std::size_t blockSize = 16;
 struct ExpandedKey {
   const unsigned char (*roundKeys)[blockSize];
   int rounds;
+};
+
+/// A chain of blocks to be encrypted in CBC mode.
+struct Chain {
+  ExpandedKey key;
+  unsigned char* vector;       ///< 16 bytes, the block in front; leaves as the last block of output
+  const unsigned char* input;  ///< may be `output`, or lie behind its begin
+  unsigned char* output;
+  std::size_t blocks;
 };
 
 /// One way to work whole blocks. Has no state, so all threads may share it. Output may be the input's own
@@ -28,9 +38,9 @@ class BlockPath {
   virtual void decrypt(const ExpandedKey& key, const unsigned char* input, unsigned char* output,
                        std::size_t blocks) const = 0;
 
-  /// Encrypts a chain of blocks. `vector` is the block in front, and leaves as the last block of output.
-  virtual void chainEncrypt(const ExpandedKey& key, unsigned char* vector, const unsigned char* input,
-                            unsigned char* output, std::size_t blocks) const = 0;
+  /// Encrypts chains of blocks under keys of one length, and uses the records up. Within a chain each block
+  /// waits for the one before, so several together take little more than the longest of them.
+  virtual void chainEncrypt(std::span<Chain> chains) const = 0;
 
   /// Decrypts a chain of blocks. `vector` is the block in front, and leaves as the last block of input.
   virtual void chainDecrypt(const ExpandedKey& key, unsigned char* vector, const unsigned char* input,

@@ -103,12 +103,4 @@ std::string blockDecrypt256(const std::string& data, const std::string& key) {
   return ciphered256(Rijndael::ECB, Rijndael::Decrypt, data, key);
 }
 
-std::string chainEncrypt128(const std::string& data, const std::string& keyAndVector) {
-  constexpr std::size_t vector = 16;
-  const unsigned char* const key = bytes::of(keyAndVector.data());
-  Rijndael cipher;
-  cipher.init(Rijndael::CBC, Rijndael::Encrypt, key, Rijndael::Key16Bytes, key + vector);
-  return ciphered(cipher, &Rijndael::blockEncrypt, data);
-}
-
 }  // namespace pcrypt::steps

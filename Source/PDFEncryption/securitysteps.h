@@ -61,7 +61,4 @@ std::string chainDecrypt256(const std::string& data, const std::string& key);
 std::string blockEncrypt256(const std::string& data, const std::string& key);
 std::string blockDecrypt256(const std::string& data, const std::string& key);
 
-/// AES-128 in CBC mode without padding; `keyAndVector` has 32 bytes.
-std::string chainEncrypt128(const std::string& data, const std::string& keyAndVector);
-
 }  // namespace pcrypt::steps

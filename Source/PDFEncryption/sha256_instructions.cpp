@@ -62,7 +62,10 @@ constexpr int groups = 64 / wordsInRegister;
 
 }  // namespace
 
-BlockPath instructionPath() { return processor::hasSha() ? instructionBlocks : nullptr; }
+BlockPath instructionPath() {
+  static const bool present = processor::hasSha();
+  return present ? instructionBlocks : nullptr;
+}
 
 }  // namespace pcrypt::sha256
 

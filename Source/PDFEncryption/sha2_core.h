@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstddef>
@@ -104,30 +105,45 @@ template <class Word>
   h = t1 + bigSigma(a, F::bigSigma0) + ((a & b) | (c & (a | b)));
 }
 
-/// Works a block into the eight words of the hash. `input(t)` is the schedule's word and the constant of
-/// round t, added.
-template <class Word, class Input>
-[[gnu::always_inline]] inline void runRounds(Word* hash, Input input) {
-  Word a = hash[0], b = hash[1], c = hash[2], d = hash[3];
-  Word e = hash[4], f = hash[5], g = hash[6], h = hash[7];
-  for (std::size_t t = 0; t < Functions<Word>::rounds; t += 8) {
-    round(a, b, c, d, e, f, g, h, input(t));
-    round(h, a, b, c, d, e, f, g, input(t + 1));
-    round(g, h, a, b, c, d, e, f, input(t + 2));
-    round(f, g, h, a, b, c, d, e, input(t + 3));
-    round(e, f, g, h, a, b, c, d, input(t + 4));
-    round(d, e, f, g, h, a, b, c, input(t + 5));
-    round(c, d, e, f, g, h, a, b, input(t + 6));
-    round(b, c, d, e, f, g, h, a, input(t + 7));
-  }
-  hash[0] += a, hash[1] += b, hash[2] += c, hash[3] += d;
-  hash[4] += e, hash[5] += f, hash[6] += g, hash[7] += h;
-}
+/// Rounds after which the letters are back in their places.
+inline constexpr std::size_t roundsInGroup = 8;
 
-/// The same with a schedule that `expand` has filled.
+/// A to H of a block's rounds: they begin as the words of the hash, and are added to them at the end.
+template <class Word>
+class Letters {
+ public:
+  [[gnu::always_inline]] explicit Letters(const Word* hash) { std::copy_n(hash, count, values); }
+  [[gnu::always_inline]] void addTo(Word* hash) const {
+    for (std::size_t i = 0; i < count; ++i) hash[i] += values[i];
+  }
+
+  /// Eight rounds. `input(i)` is the schedule's word and the constant of the i-th of them, added.
+  template <class Input>
+  [[gnu::always_inline]] void runGroup(Input input) {
+    auto& [a, b, c, d, e, f, g, h] = values;
+    round(a, b, c, d, e, f, g, h, input(0));
+    round(h, a, b, c, d, e, f, g, input(1));
+    round(g, h, a, b, c, d, e, f, input(2));
+    round(f, g, h, a, b, c, d, e, input(3));
+    round(e, f, g, h, a, b, c, d, input(4));
+    round(d, e, f, g, h, a, b, c, input(5));
+    round(c, d, e, f, g, h, a, b, input(6));
+    round(b, c, d, e, f, g, h, a, input(7));
+  }
+
+ private:
+  static constexpr std::size_t count = 8;
+  Word values[count];
+};
+
+/// Works a block, given as the schedule that `expand` has filled, into the eight words of the hash.
 template <class Word>
 inline void compress(Word* hash, const Word* schedule) {
-  runRounds(hash, [schedule](std::size_t t) { return schedule[t] + constants<Word>[t]; });
+  Letters<Word> letters(hash);
+  for (std::size_t t = 0; t < Functions<Word>::rounds; t += roundsInGroup) {
+    letters.runGroup([schedule, t](std::size_t i) { return schedule[t + i] + constants<Word>[t + i]; });
+  }
+  letters.addTo(hash);
 }
 
 }  // namespace pcrypt::sha2

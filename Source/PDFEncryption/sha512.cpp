@@ -23,14 +23,35 @@ BlockPath bestPath() {
   return best;
 }
 
+void oneByOne(std::span<Message> messages) {
+  for (const Message& message : messages) bestPath()(message.hash, message.data, message.blocks);
+}
+
+MessagesPath bestMessagesPath() {
+  static const MessagesPath best = lanesPath() != nullptr ? lanesPath() : oneByOne;
+  return best;
+}
+
+std::size_t pad(unsigned char* end, const std::uint64_t (&size)[2]) {
+  constexpr std::size_t countSize = 2 * wordSize;
+  const std::size_t fill = size[0] % blockSize;
+  const std::size_t zeros = (fill < blockSize - countSize ? 1 : 2) * blockSize - fill - countSize;
+  *end = 0x80;
+  std::fill_n(end + 1, zeros - 1, static_cast<unsigned char>(0));
+  bytes::storeBig64(end + zeros, size[1] << 3 | size[0] >> 61);
+  bytes::storeBig64(end + zeros + wordSize, size[0] << 3);
+  return zeros + countSize;
+}
+
+void putDigest(const std::uint64_t* hash, unsigned char* digest, std::size_t size) {
+  for (std::size_t i = 0; i < size / wordSize; ++i) bytes::storeBig64(digest + wordSize * i, hash[i]);
+}
+
 }  // namespace sha512
 
 namespace {
 
-using sha512::blockSize, sha512::wordSize;
-constexpr std::size_t countSize = 16;
-constexpr std::size_t wordsOf384 = 6;
-constexpr std::size_t wordsOf512 = 8;
+using sha512::blockSize;
 
 void begin(SHA512_CTX& c, const std::uint64_t* initialHash) {
   c = {};
@@ -62,32 +83,32 @@ void update(SHA512_CTX& c, const unsigned char* data, int length) {
   add(c, data, static_cast<std::size_t>(length));
 }
 
-void finish(SHA512_CTX& c, unsigned char* digest, std::size_t words) {
-  const auto fill = static_cast<std::size_t>(c.fill);
-  const std::size_t end = fill < blockSize - countSize ? blockSize : 2 * blockSize;
-  unsigned char tail[2 * blockSize] = {0x80};
-  bytes::storeBig64(tail + end - fill - countSize, c.count[1] << 3 | c.count[0] >> 61);
-  bytes::storeBig64(tail + end - fill - countSize / 2, c.count[0] << 3);
-  add(c, tail, end - fill);
-  for (std::size_t i = 0; i < words; ++i) bytes::storeBig64(digest + wordSize * i, c.state[i]);
+void finish(SHA512_CTX& c, unsigned char* digest, std::size_t size) {
+  unsigned char padding[sha512::mostPadding];
+  add(c, padding, sha512::pad(padding, c.count));
+  sha512::putDigest(c.state, digest, size);
 }
 
 }  // namespace
 
-void SHA384Init(SHA384_CTX* context) { begin(*context, sha2::initialHashes + 8); }
+void SHA384Init(SHA384_CTX* context) { begin(*context, sha512::initial384); }
 
 void SHA384Update(SHA384_CTX* context, const unsigned char* data, int length) {
   update(*context, data, length);
 }
 
-void SHA384Final(SHA384_CTX* context, unsigned char* digest) { finish(*context, digest, wordsOf384); }
+void SHA384Final(SHA384_CTX* context, unsigned char* digest) {
+  finish(*context, digest, sha512::digestSize384);
+}
 
-void SHA512Init(SHA512_CTX* context) { begin(*context, sha2::initialHashes); }
+void SHA512Init(SHA512_CTX* context) { begin(*context, sha512::initial512); }
 
 void SHA512Update(SHA512_CTX* context, const unsigned char* data, int length) {
   update(*context, data, length);
 }
 
-void SHA512Final(SHA512_CTX* context, unsigned char* digest) { finish(*context, digest, wordsOf512); }
+void SHA512Final(SHA512_CTX* context, unsigned char* digest) {
+  finish(*context, digest, sha512::digestSize512);
+}
 
 }  // namespace pcrypt

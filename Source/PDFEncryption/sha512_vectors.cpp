@@ -7,8 +7,12 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
+#include <utility>
+
 // A block's schedule depends on nothing but the block, so those of four blocks fill the four lanes of a
-// vector; only the rounds wait for each other.
+// vector. The rounds wait for each other, and leave the vector units idle: between those of four blocks the
+// schedules of the next four are made.
 
 namespace pcrypt::sha512 {
 namespace {
@@ -18,9 +22,6 @@ using Functions = sha2::Functions<Word>;
 
 constexpr std::size_t lanes = 4;
 constexpr int wordBits = 64;
-
-/// Words of four schedules, the round's constant added: `[round][block]`.
-using Inputs = Word[rounds][lanes];
 
 #define VECTOR_CODE [[gnu::target("avx2,bmi2")]]
 #define VECTOR_INLINE [[gnu::target("avx2,bmi2"), gnu::always_inline]] inline
@@ -35,46 +36,74 @@ VECTOR_INLINE __m256i smallSigma(__m256i x, const int (&r)[3]) {
 
 VECTOR_INLINE __m256i sum(__m256i a, __m256i b) { return _mm256_add_epi64(a, b); }
 
-VECTOR_INLINE __m256i wordsAt(const unsigned char* data) {
-  const auto word = [data](std::size_t lane) {
-    return static_cast<long long>(bytes::loadBig64(data + lane * blockSize));
-  };
-  return _mm256_set_epi64x(word(3), word(2), word(1), word(0));
-}
-
-VECTOR_INLINE void put(Word* row, __m256i words, std::size_t t) {
-  const __m256i constant = _mm256_set1_epi64x(static_cast<long long>(sha2::roundConstants[t]));
-  _mm256_store_si256(reinterpret_cast<__m256i*>(row), sum(words, constant));
-}
-
-/// The schedule's last 16 words go round in `w`.
-VECTOR_CODE void expandFour(Inputs& inputs, const unsigned char* data) {
-  __m256i w[wordsInBlock];
-  for (std::size_t i = 0; i < wordsInBlock; ++i) {
-    w[i] = wordsAt(data + wordSize * i);
-    put(inputs[i], w[i], i);
+/// The schedules of four blocks, made row by row: the words of one round.
+class Schedules {
+ public:
+  /// Takes `blocks` blocks at `data`, of which the first four count. Lanes without a block have zeros.
+  void begin(const unsigned char* data, std::size_t blocks) {
+    if (blocks < lanes) {
+      std::fill(std::begin(copy_), std::end(copy_), static_cast<unsigned char>(0));
+      data = std::copy_n(data, blocks * blockSize, copy_) - blocks * blockSize;
+    }
+    data_ = data;
+    row_ = 0;
   }
-  for (std::size_t t = wordsInBlock; t < rounds; t += wordsInBlock) {
-#pragma GCC unroll 16
-    for (std::size_t i = 0; i < wordsInBlock; ++i) {
-      const __m256i &second = w[(i + 1) % wordsInBlock], &tenth = w[(i + 9) % wordsInBlock],
-                    &fifteenth = w[(i + 14) % wordsInBlock];
-      w[i] = sum(sum(w[i], smallSigma(second, Functions::smallSigma0)),
-                 sum(tenth, smallSigma(fifteenth, Functions::smallSigma1)));
-      put(inputs[t + i], w[i], t + i);
+
+  VECTOR_INLINE void addRows(std::size_t count) {
+    for (const std::size_t end = row_ + count; row_ < end; ++row_) {
+      words_[row_] = row_ < wordsInBlock ? given(row_) : expanded(row_);
+      const __m256i constant = _mm256_set1_epi64x(static_cast<long long>(sha2::roundConstants[row_]));
+      _mm256_store_si256(reinterpret_cast<__m256i*>(inputs_[row_]), sum(words_[row_], constant));
     }
   }
-}
+
+  /// A word with the round's constant added.
+  Word input(std::size_t round, std::size_t lane) const { return inputs_[round][lane]; }
+
+ private:
+  VECTOR_INLINE __m256i given(std::size_t t) const {
+    const auto word = [this, t](std::size_t lane) {
+      return static_cast<long long>(bytes::loadBig64(data_ + lane * blockSize + t * wordSize));
+    };
+    return _mm256_set_epi64x(word(3), word(2), word(1), word(0));
+  }
+
+  VECTOR_INLINE __m256i expanded(std::size_t t) const {
+    return sum(sum(words_[t - 16], smallSigma(words_[t - 15], Functions::smallSigma0)),
+               sum(words_[t - 7], smallSigma(words_[t - 2], Functions::smallSigma1)));
+  }
+
+  __m256i words_[rounds];
+  alignas(__m256i) Word inputs_[rounds][lanes];
+  unsigned char copy_[lanes * blockSize];
+  const unsigned char* data_ = nullptr;
+  std::size_t row_ = 0;
+};
 
 VECTOR_CODE void vectorBlocks(Word* hash, const unsigned char* data, std::size_t blocks) {
-  alignas(__m256i) Inputs inputs;
-  for (; blocks >= lanes; blocks -= lanes, data += lanes * blockSize) {
-    expandFour(inputs, data);
-    for (std::size_t lane = 0; lane < lanes; ++lane) {
-      sha2::runRounds(hash, [&inputs, lane](std::size_t t) { return inputs[t][lane]; });
+  constexpr std::size_t fewest = 2;  // one block is faster by itself
+  if (blocks < fewest) return portableBlocks(hash, data, blocks);
+  constexpr std::size_t groups = lanes * rounds / sha2::roundsInGroup;
+  constexpr std::size_t rowsInGroup = rounds / groups;
+  Schedules schedules[2];
+  Schedules *now = &schedules[0], *next = &schedules[1];
+  now->begin(data, blocks);
+  now->addRows(rounds);
+  while (blocks != 0) {
+    const std::size_t here = std::min(blocks, lanes);
+    data += here * blockSize;
+    blocks -= here;
+    if (blocks != 0) next->begin(data, blocks);
+    for (std::size_t lane = 0; lane < here; ++lane) {
+      sha2::Letters<Word> letters(hash);
+      for (std::size_t t = 0; t < rounds; t += sha2::roundsInGroup) {
+        if (blocks != 0) next->addRows(rowsInGroup);
+        letters.runGroup([now, lane, t](std::size_t i) { return now->input(t + i, lane); });
+      }
+      letters.addTo(hash);
     }
+    std::swap(now, next);
   }
-  portableBlocks(hash, data, blocks);
 }
 
 #undef VECTOR_CODE

@@ -394,13 +394,59 @@ TEST_P(Sha512Path, EqualsOpensslOnRandomMessages) {
 
 /// Four blocks go side by side, and 0 to 3 are left over.
 TEST_P(Sha512Path, EqualsOpensslForEachNumberOfBlocks) {
-  for (std::size_t blocks = 1; blocks <= 9; ++blocks) {
+  for (std::size_t blocks = 1; blocks <= 13; ++blocks) {
     const std::string message = raw::random(128 * blocks - 17, static_cast<unsigned int>(blocks));
     EXPECT_EQ(digest(message), toHex(openssl("dgst -sha512 -binary", message))) << blocks;
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(Suite, Sha512Path, testing::ValuesIn(sha512Paths()),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+// Several messages at once.
+
+struct MessagesPathOf {
+  const char* name;
+  sha512::MessagesPath path;
+};
+
+/// One by one, and in lanes where the processor has those that pay.
+std::vector<MessagesPathOf> messagesPaths() {
+  std::vector<MessagesPathOf> all{{"oneByOne", sha512::oneByOne}};
+  if (const sha512::MessagesPath lanes = sha512::lanesPath()) all.push_back({"lanes", lanes});
+  return all;
+}
+
+class Sha512Messages : public testing::TestWithParam<MessagesPathOf> {};
+
+TEST_P(Sha512Messages, EqualOnesThatAreWorkedAlone) {
+  const std::vector<std::size_t> lists[] = {{},
+                                            {2},
+                                            {3, 3},
+                                            {0, 4},
+                                            {1, 5, 3},
+                                            {4, 4, 4, 4},
+                                            {2, 7, 2, 9, 1},
+                                            {0, 0, 3},
+                                            {9, 8, 7, 6, 5, 4, 3, 2, 1}};
+  for (const auto& blocks : lists) {
+    std::vector<std::string> texts;
+    std::vector<std::array<std::uint64_t, 8>> hashes(blocks.size()), alone(blocks.size());
+    std::vector<sha512::Message> messages;
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+      texts.push_back(raw::random(128 * blocks[i], static_cast<unsigned int>(i)));
+      hashes[i].fill(i + 1);
+      alone[i] = hashes[i];
+      sha512::portableBlocks(alone[i].data(), raw::at(texts[i]), blocks[i]);
+    }
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+      messages.push_back({hashes[i].data(), raw::at(texts[i]), blocks[i]});
+    GetParam().path(messages);
+    EXPECT_EQ(hashes, alone) << blocks.size();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Suite, Sha512Messages, testing::ValuesIn(messagesPaths()),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 // Against the judgement of another.

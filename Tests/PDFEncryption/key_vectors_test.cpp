@@ -5,7 +5,9 @@
 
 #include "PDFEncryption/decryptionmanager.h"
 #include "PDFEncryption/encryptionmanager.h"
+#include "PDFEncryption/hardenedhash.h"
 #include "Tests/PDFEncryption/bytes_in_tests.h"
+#include "Tests/PDFEncryption/protection.h"
 
 namespace {
 
@@ -244,6 +246,41 @@ TEST(SlowHash, EndsAtTheRoundThatItsLastByteSays) {
         row.user ? reader.isUserPWDR6(info, row.password) : reader.isOwnerPWD6(info, row.password);
     EXPECT_TRUE(fits) << row.password;
   }
+}
+
+/// What a hash begins with, under the salts of the test above.
+HardenedHash beginOf(const SlowHashCase& row) {
+  const std::string u = row.user ? "" : std::string(32, 'u') + "validatekeysalt.";
+  const std::string text = row.password + std::string("validate") + u;
+  return {row.password, raw::openssl("dgst -sha256 -binary", text), u};
+}
+
+TEST(SlowHash, SeveralAtOnceAreWhatEachIsByItself) {
+  for (std::size_t count = 0; count <= std::size(slowHashes); ++count) {
+    std::vector<HardenedHash> together;
+    for (std::size_t i = 0; i < count; ++i) together.push_back(beginOf(slowHashes[i]));
+    harden(together);
+    for (std::size_t i = 0; i < count; ++i) EXPECT_EQ(toHex(together[i].hash), slowHashes[i].hash) << count;
+  }
+}
+
+TEST(SlowHash, OfATextThatTheCipherCannotCountIsTheFirstHash) {
+  constexpr std::size_t mebi = std::size_t{1} << 20;
+  std::vector<HardenedHash> together = {{std::string(4 * mebi, 'p'), "begin", ""}, beginOf(slowHashes[0])};
+  harden(together);
+  EXPECT_EQ(together[0].hash, "begin" + std::string(27, '\0'));
+  EXPECT_EQ(toHex(together[1].hash), slowHashes[0].hash);
+}
+
+TEST(SlowHash, IsMadeOnceForEachRecord) {
+  EncryptInfo info = protect(6, 256, "user", "owner");
+  bool needed = false, empty = false;
+  info.knownHashes.clear();
+  ASSERT_TRUE(reader.getFileKey(info, "owner", needed, empty));
+  const auto known = info.knownHashes;
+  std::string password = "owner";
+  EXPECT_EQ(reader.calPassWordState(info, password), PDFDecryptionManager::ownerOnly);
+  EXPECT_EQ(info.knownHashes, known);
 }
 
 // Entries of the dictionary.

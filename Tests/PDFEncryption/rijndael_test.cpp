@@ -501,6 +501,40 @@ TEST_P(Aes, InitLooksAtModeAndDirectionAndThenAtTheKey) {
 
 // The paths themselves, on every count of blocks around the number that is worked side by side.
 
+/// Chains of `blocks` blocks each, every one under a key and a vector of its own, against one after the
+/// other.
+void expectChainsEqualSingleOnes(const aes::BlockPath& path, const std::vector<std::size_t>& blocks) {
+  std::vector<Rijndael> ciphers(blocks.size());
+  std::vector<std::string> texts, vectors, expected;
+  std::vector<aes::Chain> chains;
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    const auto seed = static_cast<unsigned int>(i);
+    const std::string key = raw::random(16, 100 + seed);
+    vectors.push_back(raw::random(16, 200 + seed));
+    texts.push_back(raw::random(16 * blocks[i], 300 + seed));
+    expected.push_back(
+        openssl("enc -aes-128-cbc -nopad -K " + toHex(key) + " -iv " + toHex(vectors[i]) + " -in", texts[i]));
+    ciphers[i].init(Rijndael::CBC, Rijndael::Encrypt, raw::at(key), Rijndael::Key16Bytes);
+  }
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    unsigned char* const text = raw::at(texts[i]);
+    chains.push_back({ciphers[i].expandedKey(), raw::at(vectors[i]), text, text, blocks[i]});
+  }
+  path.chainEncrypt(chains);
+  for (std::size_t i = 0; i < blocks.size(); ++i) {
+    EXPECT_EQ(toHex(texts[i]), toHex(expected[i])) << i << " of " << blocks.size();
+    if (blocks[i] == 0) continue;
+    EXPECT_EQ(toHex(vectors[i]), toHex(expected[i].substr(16 * blocks[i] - 16)));
+  }
+}
+
+TEST_P(Aes, SeveralChainsAtOnceEqualOpenssl) {
+  const std::vector<std::size_t> lists[] = {{},        {3},          {0, 2},
+                                            {4, 4},    {5, 1, 3},    {1, 2, 3, 4},
+                                            {9, 0, 9}, {2, 2, 2, 7}, {1, 8, 2, 7, 3, 6, 4, 5, 9, 1, 2}};
+  for (const auto& blocks : lists) expectChainsEqualSingleOnes(*GetParam().path, blocks);
+}
+
 TEST_P(Aes, GivesTheSameAsTheTablesForEveryCountOfBlocks) {
   for (const auto mode : {Rijndael::ECB, Rijndael::CBC}) {
     for (int count = 1; count <= 40; ++count) {
