@@ -42,6 +42,12 @@ void PDFEncryptionManager::calculateOKey(const EncryptOption& option, EncryptInf
   sealKey(info, ownerOf(option), info.U, info.O, info.OE);
 }
 
+void PDFEncryptionManager::drawOKey(EncryptInfo& info) const {
+  const bool hashed = info.R >= revision5;
+  info.O = fillers(hashed ? entrySize : paddingSize);
+  if (hashed) info.OE = fillers(fileKeySize);
+}
+
 void PDFEncryptionManager::calculateUKey(const EncryptOption& option, EncryptInfo& info) const {
   if (info.R < revision3) {
     info.U = rc4(padding(), info.fileKey);

@@ -49,6 +49,11 @@ class PDFEncryptionManager : public PDFEncryptionBase {
   /// Makes /O, and /OE for R 5 and 6 (Algorithms 3 and 9).
   void calculateOKey(const EncryptOption& option, EncryptInfo& info) const;
 
+  /// Beyond the handler's own operations, in the place of `calculateOKey`: /O, and /OE for R 5 and 6, that no
+  /// password fits, so that the document has no owner. They are of chance alone; nobody can tell them from
+  /// those of a password that was thrown away, and no slow hash is made. Call `useSystemRandom` before.
+  void drawOKey(EncryptInfo& info) const;
+
   /// Makes /U, and /UE for R 5 and 6 (Algorithms 4, 5 and 8). A long password is not cut here; a reader of R
   /// 5 and 6 takes its first 127 bytes, see `getUTF8Str`.
   void calculateUKey(const EncryptOption& option, EncryptInfo& info) const;

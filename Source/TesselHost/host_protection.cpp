@@ -21,7 +21,6 @@ namespace {
 namespace Method = pcrypt::Method;
 
 constexpr std::size_t identifierBytes = 16;
-constexpr std::size_t drawnPasswordBytes = 24;
 constexpr std::size_t blockBytes = pcrypt::initialVectorSize;
 constexpr std::size_t longestOldPassword = 32;  // ISO 32000-2, 7.6.4.3.2, Algorithm 2, step a
 constexpr int firstLongRevision = 5;
@@ -93,23 +92,27 @@ std::string randomBytes(std::size_t count) {
   return bytes;
 }
 
-/// Without an owner password everyone who opens the file would be its owner.
-std::string ownerPasswordOf(const ProtectionOptions& options) {
-  return options.ownerPassword.empty() ? hexString(randomBytes(drawnPasswordBytes)) : options.ownerPassword;
+/// Without an owner everyone who opens the file would be it: an empty owner password stands for the user's.
+void makeOwnerEntry(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo& info) {
+  const pcrypt::PDFEncryptionManager manager;
+  if (option.ownerPassword.empty()) {
+    manager.drawOKey(info);
+  } else {
+    manager.calculateOKey(option, info);
+  }
 }
 
 /// The key. Up to revision 4 it is made of the owner's entry, from revision 5 on of chance alone.
 void makeKey(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo& info) {
-  const pcrypt::PDFEncryptionManager manager;
-  if (info.R < firstLongRevision) manager.calculateOKey(option, info);
-  manager.createKey(info, option.userPassword);
+  if (info.R < firstLongRevision) makeOwnerEntry(option, info);
+  pcrypt::PDFEncryptionManager().createKey(info, option.userPassword);
 }
 
 /// The entries by which readers get to the key. From revision 5 on the owner's is made of the user's.
 pcrypt::EncryptInfo withEntries(const pcrypt::EncryptOption& option, pcrypt::EncryptInfo info) {
   const pcrypt::PDFEncryptionManager manager;
   manager.calculateUKey(option, info);
-  if (info.R >= firstLongRevision) manager.calculateOKey(option, info);
+  if (info.R >= firstLongRevision) makeOwnerEntry(option, info);
   manager.calculatePerms(option, info);
   return info;
 }
@@ -161,7 +164,7 @@ OutputProtection::OutputProtection(const ProtectionOptions& options, std::string
   const Scheme& scheme = schemeOf(options.cipher);
   pcrypt::EncryptOption option;
   option.userPassword = countedPassword(options.userPassword, scheme.revision);
-  option.ownerPassword = countedPassword(ownerPasswordOf(options), scheme.revision);
+  option.ownerPassword = countedPassword(options.ownerPassword, scheme.revision);
   option.permissions = options.allowed.valueFor(scheme.revision);
   option.keyLength = scheme.keyLength;
   option.encryptMetadata = !options.cleartextMetadata;

@@ -26,7 +26,7 @@ bool hasMetadataSwitch(Cipher cipher);
 struct ProtectionOptions {
   Cipher cipher = Cipher::aes256;
   std::string userPassword;   ///< opens the output, with what `allowed` allows; may be empty
-  std::string ownerPassword;  ///< opens it without restrictions; empty: nobody has one, one is drawn
+  std::string ownerPassword;  ///< opens it without restrictions; empty: nobody is the owner
   Permissions allowed;
   bool cleartextMetadata = false;  ///< the document's metadata stays readable for everyone; AES only
 };

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "PDFEncryption/decryptionmanager.h"
 #include "PDFEncryption/rc4.h"
 #include "PDFEncryption/rijndael.h"
 #include "Tests/PDFEncryption/bytes_in_tests.h"
@@ -140,6 +141,50 @@ TEST(EncryptionManager, SystemRandomMakesEachKeyAndSaltAnew) {
   EXPECT_NE(one.O.substr(32), one.U.substr(32));
   EXPECT_NE(one.U.substr(32, 8), one.U.substr(40, 8));
   EXPECT_EQ(protect(6, 256, "user", "owner").fileKey, filler16 + filler16);
+}
+
+// An owner that nobody is.
+
+TEST(DrawnOwnerEntry, HasTheSizesOfTheRevision) {
+  for (int revision = 2; revision <= 6; ++revision) {
+    EncryptInfo info;
+    info.R = revision;
+    PDFEncryptionManager().drawOKey(info);
+    EXPECT_EQ(info.O, std::string(revision < 5 ? 32 : 48, '\x5a'));
+    EXPECT_EQ(info.OE, std::string(revision < 5 ? 0 : 32, '\x5a'));
+  }
+}
+
+TEST(DrawnOwnerEntry, IsOfChanceWithTheSystemsSource) {
+  EncryptInfo one, other;
+  one.R = other.R = 6;
+  PDFEncryptionManager::useSystemRandom();
+  PDFEncryptionManager().drawOKey(one);
+  PDFEncryptionManager().drawOKey(other);
+  PDFEncryptionManager::useSystemRandom(false);
+  for (const std::size_t part : {0U, 8U, 16U, 24U, 32U, 40U})
+    EXPECT_NE(one.O.substr(part, 8), other.O.substr(part, 8));
+  EXPECT_NE(one.OE, other.OE);
+  EXPECT_NE(one.OE, one.O.substr(0, 32));
+}
+
+TEST(DrawnOwnerEntry, OpensForTheUserAndForNoOwner) {
+  const PDFDecryptionManager reader;
+  const PDFEncryptionManager manager;
+  for (const auto& [revision, keyLength] : {std::pair{2, 40}, {3, 128}, {4, 128}, {5, 256}, {6, 256}}) {
+    EncryptInfo info = protect(revision, keyLength, "user", "owner");
+    manager.drawOKey(info);
+    if (revision < 5) manager.createKey(info, "user");
+    manager.calculateUKey({"user", "", -1340, keyLength}, info);
+    std::string user = "user", owner = "owner", none;
+    EncryptInfo found = stored(info);
+    EXPECT_EQ(reader.calPassWordState(found, user), PDFDecryptionManager::userOnly) << revision;
+    EXPECT_EQ(found.fileKey, info.fileKey) << revision;
+    found = stored(info);
+    EXPECT_EQ(reader.calPassWordState(found, owner), PDFDecryptionManager::neither) << revision;
+    found = stored(info);
+    EXPECT_EQ(reader.calPassWordState(found, none), PDFDecryptionManager::neither) << revision;
+  }
 }
 
 TEST(EncryptOption, PasswordsAreSetFromTextAndNullIsNone) {

@@ -92,7 +92,13 @@ TEST_P(ProtectionKind, CutsLongPasswordsWhereReadersCutThem) {
     EXPECT_NE(tessel_test::decryptedByQpdf(file, std::string(127, letter)), "");
 }
 
-TEST_P(ProtectionKind, DrawsAnOwnerPasswordWhereThereIsNone) {
+TEST_P(ProtectionKind, OpensForItsUserAloneWhereThereIsNoOwnerPassword) {
+  const std::string file = fileUnder(make("use", ""), false);
+  EXPECT_THAT(tessel_test::decryptedByQpdf(file, "use"), HasSubstr("/Words (secret word)"));
+  EXPECT_EQ(tessel_test::decryptedByQpdf(file, ""), "");
+}
+
+TEST_P(ProtectionKind, DrawsAnOwnerEntryWhereThereIsNoPassword) {
   const std::string entry = "/O";
   const OutputProtection one = make("use", "");
   const OutputProtection two = make("use", "");
