@@ -1,9 +1,11 @@
 #include "TesselHost/host_protection.h"
 
 #include <fmt/format.h>
+#include <sched.h>
 
 #include <algorithm>
 #include <array>
+#include <thread>
 
 #include "PDFEncryption/decryptionmanager.h"
 #include "PDFEncryption/encryptionmanager.h"
@@ -117,6 +119,26 @@ pcrypt::EncryptInfo withEntries(const pcrypt::EncryptOption& option, pcrypt::Enc
   return info;
 }
 
+/// Takes the thread off a processor, where it has others.
+void leaveProcessor(int processor) {
+  cpu_set_t set;
+  if (processor < 0 || sched_getaffinity(0, sizeof set, &set) != 0) return;
+  CPU_CLR(static_cast<std::size_t>(processor), &set);
+  if (CPU_COUNT(&set) > 0) sched_setaffinity(0, sizeof set, &set);
+}
+
+/// Runs short work beside the caller's, on another processor: kernels of virtual machines may leave a new
+/// thread on that of its maker for longer than it lives, though others are idle. Where there can be no thread
+/// the caller does the work, when it asks for the result.
+template <class Work>
+auto beside(Work work) {
+  return std::async(std::launch::async | std::launch::deferred,
+                    [work, maker = std::this_thread::get_id(), processor = sched_getcpu()] {
+                      if (std::this_thread::get_id() != maker) leaveProcessor(processor);
+                      return work();
+                    });
+}
+
 }  // namespace
 
 std::optional<Cipher> parseCipher(std::string_view text) {
@@ -178,7 +200,7 @@ OutputProtection::OutputProtection(const ProtectionOptions& options, std::string
   keyRevision = scheme.keyRevision;
   makeKey(option, info);
   // The hashes of revision 6 are slow on purpose, and nobody asks for them before the output's end.
-  entries = std::async(std::launch::async | std::launch::deferred, withEntries, option, info).share();
+  entries = beside([option, info = info] { return withEntries(option, info); }).share();
 }
 
 void OutputProtection::giveKeyTo(TESSEL::CTesselPage& source) const {

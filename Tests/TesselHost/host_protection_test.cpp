@@ -1,6 +1,7 @@
 #include "TesselHost/host_protection.h"
 
 #include <gmock/gmock.h>
+#include <sched.h>
 
 #include <algorithm>
 
@@ -133,6 +134,14 @@ TEST(OutputProtection, TakesAnotherKeyForEachFileOfAes256) {
   const OutputProtection two({Cipher::aes256, "use", "own", {}, false}, id);
   for (const char* entry : {"/O", "/U", "/OE", "/UE", "/Perms"})
     EXPECT_NE(valueOfKey(one.dictionary(), entry), valueOfKey(two.dictionary(), entry)) << entry;
+}
+
+TEST(OutputProtection, LeavesTheCallersProcessorsAlone) {
+  cpu_set_t before, after;
+  ASSERT_EQ(sched_getaffinity(0, sizeof before, &before), 0);
+  (void)OutputProtection({Cipher::aes256, "use", "own", {}, false}, id).dictionary();
+  ASSERT_EQ(sched_getaffinity(0, sizeof after, &after), 0);
+  EXPECT_TRUE(CPU_EQUAL(&before, &after));
 }
 
 TEST(RandomIdentifier, HasSixteenBytesOfItsOwn) {
