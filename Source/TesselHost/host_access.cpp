@@ -31,8 +31,13 @@ constexpr std::size_t longestShortPassword = 32;
 std::vector<std::string> formsOf(const std::string& password, bool begun) {
   std::vector<std::string> forms;
   if (!begun || password.size() > longestShortPassword) forms.push_back(password);
-  // Up to revision 4 a character is a byte (ISO 32000-2, 7.6.4.3.2, Algorithm 2, step a).
-  if (auto bytes = pdfDocEncoded(password); bytes && *bytes != password) forms.push_back(std::move(*bytes));
+  for (const std::string& text : {password, saslPrepared(password).value_or(password)}) {
+    // Up to revision 4 a character is a byte (ISO 32000-2, 7.6.4.3.2, Algorithm 2, step a).
+    for (const std::string& form : {text, pdfDocEncoded(text).value_or(text)}) {
+      if (form == password || std::find(forms.begin(), forms.end(), form) != forms.end()) continue;
+      forms.push_back(form);
+    }
+  }
   return forms;
 }
 

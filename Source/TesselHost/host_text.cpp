@@ -1,5 +1,9 @@
 #include "TesselHost/host_text.h"
 
+#include <unicode/localpointer.h>
+#include <unicode/unistr.h>
+#include <unicode/usprep.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -13,6 +17,8 @@ namespace {
 constexpr std::string_view utf16Mark = "\xFE\xFF";
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr char32_t replacement = 0xFFFD;
+
+constexpr int longestExpansion = 18;  // of one character by NFKC, in units of UTF-16
 
 // PDFDocEncoding where it isn't Latin 1 (ISO 32000-2, D.3).
 constexpr unsigned firstAccent = 0x18;
@@ -135,6 +141,24 @@ std::optional<std::string> pdfDocEncoded(std::string_view utf8) {
     bytes += *byte;
   }
   return bytes;
+}
+
+std::optional<std::string> saslPrepared(const std::string& utf8) {
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(utf8.begin(), utf8.end(), isAscii)) return utf8;
+  // Bytes that aren't UTF-8 become a character that is forbidden.
+  const icu::UnicodeString text = icu::UnicodeString::fromUTF8(utf8);
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::LocalUStringPrepProfilePointer profile(usprep_openByType(USPREP_RFC4013_SASLPREP, &status));
+  icu::UnicodeString prepared;
+  const int32_t room = longestExpansion * text.length();
+  const int32_t length =
+      usprep_prepare(profile.getAlias(), text.getBuffer(), text.length(), prepared.getBuffer(room), room,
+                     USPREP_ALLOW_UNASSIGNED, nullptr, &status);
+  prepared.releaseBuffer(U_SUCCESS(status) ? length : 0);
+  if (U_FAILURE(status)) return std::nullopt;
+  std::string result;
+  return prepared.toUTF8String(result);
 }
 
 }  // namespace TesselHost

@@ -17,4 +17,9 @@ std::string textString(std::string_view utf8);
 /// there, or when the bytes aren't UTF-8.
 std::optional<std::string> pdfDocEncoded(std::string_view utf8);
 
+/// A password in UTF-8 as SASLprep (RFC 4013) makes it, which readers of AES-256 are to do (ISO 32000-2,
+/// 7.6.4.3.3): one form for texts that look the same. Nothing when it has forbidden characters, or when the
+/// bytes aren't UTF-8. ASCII stays as it is.
+std::optional<std::string> saslPrepared(const std::string& utf8);
+
 }  // namespace TesselHost

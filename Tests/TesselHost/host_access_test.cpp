@@ -151,6 +151,16 @@ TEST(Opening, TriesAllPasswordsInPdfDocEncoding) {
   EXPECT_EQ(Opened(bytes, {"pässe", "€ur"}).by(), noneOpens);
 }
 
+TEST_P(SeveralPasswords, AreTriedAsSaslPrepMakesThem) {
+  const std::string inOne = GetParam().revision < 5 ? "\xE9" : "\xC3\xA9";  // e with an acute
+  const std::string inTwo = "e\xCC\x81";
+  const std::string bytes = make("u" + inOne, "o" + inOne);
+  expect(bytes, {{{"u" + inTwo}, "user"},
+                 {{"o" + inTwo}, "owner"},
+                 {{"u" + inTwo, "o" + inTwo}, "owner"},
+                 {{"x" + inTwo}, "the password doesn't open it"}});
+}
+
 TEST(Opening, FindsPasswordsBehindAnIdentifierThatBeginsWithAZeroByte) {
   for (const std::size_t kind : {1U, 2U, 3U}) {
     const std::string bytes =

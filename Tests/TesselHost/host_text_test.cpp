@@ -34,5 +34,35 @@ TEST(PdfDocEncoding, WantsSoundUtf8) {
     EXPECT_EQ(pdfDocEncoded(broken), std::nullopt) << broken;
 }
 
+struct PreparedCase {
+  const char* given;
+  const char* prepared;
+};
+
+TEST(SaslPrep, GivesOneFormToTextsThatLookTheSame) {
+  const PreparedCase rows[] = {
+      {"", ""},
+      {"plain \x01", "plain \x01"},
+      {"\xC3\xA9", "\xC3\xA9"},           // e with an acute, in one character
+      {"e\xCC\x81", "\xC3\xA9"},          // and in two
+      {"I\xC2\xADX", "IX"},               // soft hyphen: RFC 4013, 3
+      {"\xC2\xAA", "a"},                  // feminine ordinal: the same
+      {"\xE2\x85\xA8", "IX"},             // Roman nine: the same
+      {"a\xC2\xA0\x62", "a b"},           // space that doesn't break
+      {"\xC2\xBD", "1\xE2\x81\x84\x32"},  // a half
+      {"\xEF\xB7\xBA",
+       "\xD8\xB5\xD9\x84\xD9\x89 \xD8\xA7\xD9\x84\xD9\x84\xD9\x87 \xD8\xB9\xD9\x84\xD9\x8A"
+       "\xD9\x87 \xD9\x88\xD8\xB3\xD9\x84\xD9\x85"},  // the longest expansion
+  };
+  for (const PreparedCase& row : rows) EXPECT_EQ(saslPrepared(row.given), row.prepared) << row.given;
+}
+
+TEST(SaslPrep, RefusesWhatIsForbiddenAndWhatIsNoUtf8) {
+  // A control behind ASCII, a character of private use, Arabic in front of a digit (RFC 4013, 3), broken
+  // bytes.
+  for (const char* none : {"\xC3\xA9\x07", "\xEE\x80\x80", "\xD8\xA7\x31", "\xC3", "a\xA0", "\xFF\xFE"})
+    EXPECT_EQ(saslPrepared(none), std::nullopt) << none;
+}
+
 }  // namespace
 }  // namespace TesselHost
