@@ -103,7 +103,8 @@ class TablePath final : public BlockPath {
   }
 
   void chainEncrypt(std::span<Chain> chains) const override {
-    for (const Chain& chain : chains) {
+    // Copies, which the bytes of output can't be part of.
+    for (const Chain chain : chains) {
       Block before = load(chain.vector);
       for (std::size_t i = 0; i < chain.blocks * blockSize; i += blockSize) {
         before = ciphered<Forwards>(chain.key, before ^ load(chain.input + i));
