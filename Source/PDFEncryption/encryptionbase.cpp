@@ -21,8 +21,6 @@ constexpr int generationBytes = 2;
 
 int padStart(int length) { return std::clamp(length, 0, paddingSize); }
 
-std::string firstHash(const auto& input) { return sha256(input.password + input.salt + input.u); }
-
 /// What a hash of revision 6 is known by.
 std::string nameOf(const HardenedHash& wanted) {
   return std::to_string(wanted.password.size()) + ' ' + wanted.password + wanted.hash + wanted.u;
@@ -84,8 +82,10 @@ std::string PDFEncryptionBase::fileKeyOf(const EncryptInfo& info, const std::str
   return stretched(digest, info.R, info.keyLength);
 }
 
+std::string PDFEncryptionBase::Salted::hash() const { return sha256(password + salt + u); }
+
 std::string PDFEncryptionBase::saltedHash(const EncryptInfo& info, int revision, const Salted& input) const {
-  std::string hash = firstHash(input);
+  std::string hash = input.hash();
   if (revision != revision6) return hash;
   hashAhead(info, {input});
   return info.knownHashes[nameOf({input.password, std::move(hash), input.u})];
@@ -97,7 +97,7 @@ void PDFEncryptionBase::hashAhead(const EncryptInfo& info, std::initializer_list
   std::vector<HardenedHash> wanted;
   std::vector<std::string*> places;
   for (const Salted& input : inputs) {
-    HardenedHash hash = {input.password, firstHash(input), input.u};
+    HardenedHash hash = {input.password, input.hash(), input.u};
     const auto [known, isNew] = info.knownHashes.try_emplace(nameOf(hash));
     if (!isNew) continue;
     wanted.push_back(std::move(hash));

@@ -59,6 +59,9 @@ class PDFEncryptionBase {
     std::string password;
     std::string salt;
     std::string u = {};
+
+    /// SHA-256 of all, which is the hash of revision 5, and begins that of revision 6.
+    std::string hash() const;
   };
 
   /// The hash of revision 5 or 6.

@@ -12,8 +12,9 @@ struct HardenedHash {
   std::string u;         ///< /U, for a hash of the owner's; else empty
 };
 
-/// Makes hashes that don't wait for each other. They are slow by design, most of it the waiting of one block
-/// of AES for the block before; side by side they share that.
+/// Makes hashes that don't wait for each other. They are slow by design, and much of it is waiting: of a
+/// block of AES for the block before, of a round of SHA-512 for the round before. Side by side they wait
+/// together.
 void harden(std::span<HardenedHash> hashes);
 
 }  // namespace pcrypt

@@ -123,8 +123,9 @@ LANES_CODE void workLanes(std::span<Message> messages, std::size_t blocks) {
 #undef LANES_INLINE
 
 void inLanes(std::span<Message> messages) {
-  std::size_t blocks = blocksInAll(messages, lanes);
-  for (; messages.size() >= fewestMessages; blocks = blocksInAll(messages, lanes)) {
+  for (;;) {
+    const std::size_t blocks = blocksInAll(messages, lanes);
+    if (messages.size() < fewestMessages) break;
     workLanes(messages.first(std::min(lanes, messages.size())), blocks);
   }
   oneByOne(messages);

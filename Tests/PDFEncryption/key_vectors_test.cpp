@@ -272,15 +272,32 @@ TEST(SlowHash, OfATextThatTheCipherCannotCountIsTheFirstHash) {
   EXPECT_EQ(toHex(together[1].hash), slowHashes[0].hash);
 }
 
-TEST(SlowHash, IsMadeOnceForEachRecord) {
-  EncryptInfo info = protect(6, 256, "user", "owner");
-  bool needed = false, empty = false;
-  info.knownHashes.clear();
-  ASSERT_TRUE(reader.getFileKey(info, "owner", needed, empty));
-  const auto known = info.knownHashes;
-  std::string password = "owner";
-  EXPECT_EQ(reader.calPassWordState(info, password), PDFDecryptionManager::ownerOnly);
-  EXPECT_EQ(info.knownHashes, known);
+struct HashCountCase {
+  const char *user, *password;
+  bool opens;
+  std::size_t count;  ///< key and test of the empty password, both of the given one, test of the owner's
+  int state;
+};
+
+TEST(SlowHash, IsMadeBeforeADecisionAsksForIt) {
+  const HashCountCase rows[] = {
+      {"user", "user", true, 5, PDFDecryptionManager::userOnly},
+      {"user", "owner", true, 6, PDFDecryptionManager::ownerOnly},  // and the owner's key
+      {"user", "x", false, 5, PDFDecryptionManager::neither},
+      {"", "", true, 3, PDFDecryptionManager::emptyNotOwner}};
+  for (const HashCountCase& row : rows) {
+    PDFEncryptionManager::useSystemRandom();  // equal salts would give equal hashes
+    EncryptInfo info = stored(protect(6, 256, row.user, "owner"));
+    PDFEncryptionManager::useSystemRandom(false);
+    bool needed = false, empty = false;
+    info.knownHashes.clear();
+    EXPECT_EQ(reader.getFileKey(info, row.password, needed, empty), row.opens) << row.password;
+    EXPECT_EQ(info.knownHashes.size(), row.count) << row.password;
+    const auto known = info.knownHashes;
+    std::string password = row.password;
+    EXPECT_EQ(reader.calPassWordState(info, password), row.state);
+    EXPECT_EQ(info.knownHashes, known) << row.password;
+  }
 }
 
 // Entries of the dictionary.

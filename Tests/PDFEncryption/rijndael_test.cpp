@@ -501,9 +501,8 @@ TEST_P(Aes, InitLooksAtModeAndDirectionAndThenAtTheKey) {
 
 // The paths themselves, on every count of blocks around the number that is worked side by side.
 
-/// Chains of `blocks` blocks each, every one under a key and a vector of its own, against one after the
-/// other.
-void expectChainsEqualSingleOnes(const aes::BlockPath& path, const std::vector<std::size_t>& blocks) {
+/// Chains of `blocks` blocks each, every one under a key and a vector of its own.
+void expectChainsEqualOpenssl(const aes::BlockPath& path, const std::vector<std::size_t>& blocks) {
   std::vector<Rijndael> ciphers(blocks.size());
   std::vector<std::string> texts, vectors, expected;
   std::vector<aes::Chain> chains;
@@ -532,7 +531,7 @@ TEST_P(Aes, SeveralChainsAtOnceEqualOpenssl) {
   const std::vector<std::size_t> lists[] = {{},        {3},          {0, 2},
                                             {4, 4},    {5, 1, 3},    {1, 2, 3, 4},
                                             {9, 0, 9}, {2, 2, 2, 7}, {1, 8, 2, 7, 3, 6, 4, 5, 9, 1, 2}};
-  for (const auto& blocks : lists) expectChainsEqualSingleOnes(*GetParam().path, blocks);
+  for (const auto& blocks : lists) expectChainsEqualOpenssl(*GetParam().path, blocks);
 }
 
 TEST_P(Aes, GivesTheSameAsTheTablesForEveryCountOfBlocks) {
